@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <QDateTimeEdit>
+
+namespace folidex {
+
+/// A date picker with a calendar, in the system's short format. Its value is a day number
+/// (common/day_number.h); a time of day that was set is kept though only the date is shown.
+class DatePicker : public QDateTimeEdit {
+    Q_OBJECT
+
+public:
+    explicit DatePicker(QWidget* parent = nullptr);
+
+    double value() const;
+    /// Values that are no date (NaN, before the year 100, after 9999) go to the nearest date.
+    void set_value(double day_number);
+
+Q_SIGNALS:
+    /// The value changed, by the user or by set_value.
+    void change();
+};
+
+} // namespace folidex

@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "data/recordset.h"
+
+#include <QString>
+#include <memory>
+
+struct sqlite3;
+
+namespace folidex {
+
+/// The one open connection to a data folder's database file. Statements are given in the
+/// program's SQL dialect (sql_dialect.h). A file that another station holds is waited for.
+/// Failures throw Error with SQLite's extended code as number and, as description, SQLite's
+/// words followed by the file's path.
+class Database {
+public:
+    /// Opens an existing file shared and read-write; never creates one. Throws Error 52 when
+    /// the file's folder cannot be reached, SQLite's code when it is not a database.
+    static std::shared_ptr<Database> open(const QString& path);
+
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    /// Runs one statement that returns no rows.
+    void execute(const QString& sql);
+    /// Opens a record set on a SELECT; the rows are those of this moment.
+    Recordset open_recordset(const QString& sql);
+
+    QString path() const;
+    sqlite3* handle() const;
+    /// Throws the connection's current error.
+    [[noreturn]] void fail(int code) const;
+
+private:
+    explicit Database(sqlite3* handle, QString path);
+
+    sqlite3* handle_;
+    QString path_;
+};
+
+} // namespace folidex

@@ -1,0 +1,4 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "platform/shell.h"
