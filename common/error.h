@@ -33,6 +33,7 @@ inline constexpr int kSubscriptOutOfRange = 9;
 inline constexpr int kInternalError = 51;
 inline constexpr int kBadFileName = 52;
 inline constexpr int kFileNotFound = 53;
+inline constexpr int kFileExists = 58;
 inline constexpr int kDiskFull = 61;
 inline constexpr int kPermissionDenied = 70;
 inline constexpr int kPathNotFound = 76;
