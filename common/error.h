@@ -5,6 +5,7 @@
 
 #include <QString>
 #include <exception>
+#include <utility>
 
 namespace folidex {
 
@@ -28,6 +29,7 @@ inline constexpr int kPassedOn = 65535;
 inline constexpr const char* kPassedOnText = "Application-defined or object-defined error";
 
 /// Numbers that the program shares with the platform it was first written for.
+inline constexpr int kInvalidArgument = 5;
 inline constexpr int kOutOfMemory = 7;
 inline constexpr int kSubscriptOutOfRange = 9;
 inline constexpr int kInternalError = 51;
