@@ -113,16 +113,11 @@ QString site_page(const QString& path) {
     const QString site = QStringLiteral(FOLIDEX_SITE);
     if (!site.isEmpty())
         return site + path;
-    // The installed pages; beside the program when it runs from where it was built.
-    for (const QString& folder : {program_folder() + u"/../share/folidex/site"_s,
-                                  program_folder() + u"/site"_s}) {
-        const QString file = QDir::cleanPath(folder + path);
-        if (QFileInfo::exists(file))
-            return QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded);
-    }
-    throw Error{kFileNotFound, QStringLiteral("The page cannot be found: ") +
-                                   QDir::toNativeSeparators(QDir::cleanPath(
-                                       program_folder() + u"/../share/folidex/site"_s + path))};
+    // The pages are installed beside the program, and lie there too where it was built.
+    const QString file = QDir::cleanPath(program_folder() + u"/site"_s + path);
+    if (!QFileInfo::exists(file))
+        throw Error{kFileNotFound, u"The page cannot be found: "_s + file};
+    return QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded);
 }
 
 } // namespace folidex

@@ -1,0 +1,184 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "common/error.h"
+#include "platform/safe_file.h"
+#include "tests/support/ordinary_user.h"
+
+#include <QTest>
+#include <sys/resource.h>
+
+#include <csignal>
+
+using namespace folidex;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray content_of(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
+}
+
+template <class Action> Error failure_of(Action action) {
+    try {
+        action();
+    } catch (const Error& error) {
+        return error;
+    }
+    return {0, u"no failure"_s};
+}
+
+// Files larger than a limit cannot be written, as on a full disk.
+class SmallDisk {
+public:
+    explicit SmallDisk(rlim_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &before_);
+        rlimit limit = before_;
+        limit.rlim_cur = bytes;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~SmallDisk() { ::setrlimit(RLIMIT_FSIZE, &before_); }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+
+private:
+    rlimit before_{};
+};
+
+} // namespace
+
+class TestSafeFile : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> folder_;
+    QString path(const QString& name) const { return folder_->filePath(name); }
+    QStringList names() const {
+        return QDir(folder_->path()).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+
+private Q_SLOTS:
+    void init() { folder_ = std::make_unique<QTemporaryDir>(); }
+
+    void a_written_file_replaces_the_old_one() {
+        write_file(path(u"a"_s), "one");
+        write_file(path(u"a"_s), "two");
+        QCOMPARE(content_of(path(u"a"_s)), "two");
+        QCOMPARE(names(), QStringList{u"a"_s});
+    }
+
+    void a_writer_that_fails_leaves_the_old_file_and_nothing_beside_it() {
+        write_file(path(u"a"_s), "old");
+        const Error error = failure_of([&] {
+            write_file(path(u"a"_s), [](QIODevice& out) {
+                out.write("half");
+                throw Error{1234, u"the scanner is gone"_s};
+            });
+        });
+        QCOMPARE(error.number, 1234);
+        QCOMPARE(content_of(path(u"a"_s)), "old");
+        QCOMPARE(names(), QStringList{u"a"_s});
+    }
+
+    void a_copy_that_does_not_fit_names_the_path_and_keeps_the_old_file() {
+        const QByteArray large(4 << 20, 'x');
+        write_file(path(u"large"_s), large);
+        write_file(path(u"target"_s), "old");
+        const SmallDisk disk(64 << 10);
+        const Error error = failure_of([&] { copy_file(path(u"large"_s), path(u"target"_s)); });
+        QVERIFY(error.number != 0);
+        QVERIFY2(error.description.contains(path(u"target"_s)), qPrintable(error.description));
+        QCOMPARE(content_of(path(u"target"_s)), "old");
+        QCOMPARE(names(), (QStringList{u"large"_s, u"target"_s}));
+    }
+
+    void a_copy_is_complete_and_replaces_an_existing_target() {
+        QByteArray bytes(3 * (1 << 20) + 17, '\0');
+        for (qsizetype i = 0; i < bytes.size(); ++i)
+            bytes[i] = static_cast<char>(i * 7 % 251);
+        write_file(path(u"from"_s), bytes);
+        write_file(path(u"to"_s), "old");
+        copy_file(path(u"from"_s), path(u"to"_s));
+        QVERIFY(content_of(path(u"to"_s)) == bytes);
+        QVERIFY(content_of(path(u"from"_s)) == bytes);
+    }
+
+    void copying_a_missing_file_says_which_and_leaves_the_target() {
+        write_file(path(u"to"_s), "old");
+        const Error error = failure_of([&] { copy_file(path(u"none"_s), path(u"to"_s)); });
+        QCOMPARE(error.number, kFileNotFound);
+        QVERIFY(error.description.contains(path(u"none"_s)));
+        QCOMPARE(content_of(path(u"to"_s)), "old");
+    }
+
+    void writing_into_a_missing_folder_names_the_path() {
+        const Error error = failure_of([&] { write_file(path(u"no/file"_s), "x"); });
+        QCOMPARE(error.number, kPathNotFound);
+        QVERIFY(error.description.contains(path(u"no/file"_s)));
+    }
+
+    void writing_into_a_read_only_folder_is_a_permission_error() {
+        const test::OrdinaryUser user(QFile::encodeName(folder_->path()).constData());
+        QVERIFY(QDir().mkdir(path(u"locked"_s)));
+        QFile::setPermissions(path(u"locked"_s), QFile::ReadOwner | QFile::ExeOwner);
+        const Error error = failure_of([&] { write_file(path(u"locked/file"_s), "x"); });
+        QCOMPARE(error.number, kPermissionDenied);
+        QVERIFY(error.description.contains(path(u"locked/file"_s)));
+        QFile::setPermissions(path(u"locked"_s),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    void a_written_file_can_be_read_by_the_other_stations() {
+        write_file(path(u"a"_s), "x");
+        QVERIFY(QFileInfo(path(u"a"_s)).permissions() & QFile::ReadOther);
+    }
+
+    void deleting_removes_the_file() {
+        write_file(path(u"a"_s), "x");
+        delete_file(path(u"a"_s));
+        QVERIFY(names().isEmpty());
+    }
+
+    void deleting_what_is_not_there_fails() {
+        QCOMPARE(failure_of([&] { delete_file(path(u"a"_s)); }).number, kFileNotFound);
+    }
+
+    void deleting_a_folder_as_a_file_fails() {
+        QVERIFY(QDir().mkdir(path(u"d"_s)));
+        QVERIFY(failure_of([&] { delete_file(path(u"d"_s)); }).number != 0);
+        QVERIFY(QFileInfo(path(u"d"_s)).isDir());
+    }
+
+    void a_lookup_gives_the_name_of_a_file_and_nothing_else() {
+        write_file(path(u"db.mdb"_s), "x");
+        QVERIFY(QDir().mkdir(path(u"folder"_s)));
+        QCOMPARE(lookup(path(u"db.mdb"_s)), u"db.mdb"_s);
+        QCOMPARE(lookup(path(u"none"_s)), QString());
+        QCOMPARE(lookup(path(u"folder"_s)), QString());
+        QCOMPARE(lookup(QString()), QString());
+    }
+
+    void a_folder_is_created_one_level_deep_only() {
+        create_folder_at(path(u"one"_s));
+        QVERIFY(folder_exists(path(u"one"_s)));
+        QCOMPARE(failure_of([&] { create_folder_at(path(u"two/three"_s)); }).number, kPathNotFound);
+        QVERIFY(!folder_exists(path(u"two"_s)));
+        const Error again = failure_of([&] { create_folder_at(path(u"one"_s)); });
+        QCOMPARE(again.number, kFileExists);
+        QVERIFY(again.description.contains(path(u"one"_s)));
+    }
+
+    void odd_names_work() {
+        for (const QString& name : {u"quote ' & 100%"_s, u"שלום"_s, u"\U0001F4C4"_s, u"a\nb"_s}) {
+            write_file(path(name), "x");
+            QCOMPARE(lookup(path(name)), name);
+            copy_file(path(name), path(name + u" 2"_s));
+            delete_file(path(name));
+            QCOMPARE(lookup(path(name)), QString());
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSafeFile)
+#include "test_safe_file.moc"
