@@ -36,20 +36,29 @@ QString Report::prompt() const {
                " has encountered a problem. We are sorry for the inconvenience.\r\n\r\n") +
            QStringLiteral("Module: ") + module + QStringLiteral("\r\n") +
            QStringLiteral("Procedure: ") + procedure + QStringLiteral("\r\n") +
-           QStringLiteral("Line Number: ") + QString::number(line) +
-           QStringLiteral("\r\n\r\n") + description + QStringLiteral(" (") +
-           QString::number(number) + QStringLiteral(")");
+           QStringLiteral("Line Number: ") + QString::number(line) + QStringLiteral("\r\n\r\n") +
+           description + QStringLiteral(" (") + QString::number(number) + QStringLiteral(")");
 }
 
-void Trap::report(int number, const QString& description) const {
-    show_report({QString::fromLatin1(module_), QString::fromLatin1(procedure_), line_, description,
-                 number});
+void Trap::report(int number, const QString& description) const noexcept {
+    const Report told{QString::fromLatin1(module_), QString::fromLatin1(procedure_), line_,
+                      description, number};
+    auto show = [&told] { show_report(told); };
+    try {
+        called(show);
+    } catch (...) {
+        print_report(told);
+    }
 }
 
 void Trap::pass_on() {
     const Error error = current_error();
     report(error.number, error.description);
-    throw Error{kPassedOn, QString::fromLatin1(kPassedOnText)};
+    throw passed_on();
+}
+
+Error passed_on() {
+    return {kPassedOn, QString::fromLatin1(kPassedOnText)};
 }
 
 Error current_error() {

@@ -40,8 +40,9 @@ public:
     /// The last numbered line passed; shown in the report.
     void line(int number) noexcept { line_ = number; }
 
-    /// Shows the report of one failure; used by pass_on and by the crash filter.
-    void report(int number, const QString& description) const;
+    /// Shows the report of one failure; used by pass_on and by the crash filter. A report that
+    /// cannot be shown is printed on stderr.
+    void report(int number, const QString& description) const noexcept;
     /// Reports the exception in flight and throws Error{kPassedOn}. Call inside a catch block.
     [[noreturn]] void pass_on();
 
@@ -74,22 +75,30 @@ private:
 extern std::function<void(const Report&)> show_report;
 extern std::function<void(const Error&)> end_program;
 
-/// The exception in flight as an Error; foreign exceptions are mapped by a small table.
+/// The exception being handled as an Error; foreign exceptions are mapped by a small table.
 Error current_error();
+/// What a trap raises once it has reported.
+Error passed_on();
 
 /// Ends the program for the exception in flight. Call inside a catch block.
 void untrapped();
 
-// A real call, so that the exception tables keep the trap's try block apart from the body.
-template <class Body, class... Args>
-[[gnu::noinline]] auto called(Body& body, Args&... args) {
+// A fault can come out of what the compiler takes for incapable of failing: with the body inlined,
+// or looked into, it would leave the trap out. noipa forbids both.
+#if defined(__clang__)
+#define FOLIDEX_OPAQUE_CALL [[gnu::noinline]]
+#else
+#define FOLIDEX_OPAQUE_CALL [[gnu::noinline, gnu::noipa]]
+#endif
+
+/// Calls a part of a procedure so that a fault in it reaches the catch around the call.
+template <class Body, class... Args> FOLIDEX_OPAQUE_CALL auto called(Body& body, Args&... args) {
     return body(args...);
 }
 
 /// Runs a procedure's body under its trap: a failure is reported under the procedure's name
 /// and passed on as Error{kPassedOn}. The body may take a Trap& to number its lines.
-template <class Body>
-auto trapped(const char* module, const char* procedure, Body&& body) {
+template <class Body> auto trapped(const char* module, const char* procedure, Body&& body) {
     Trap trap{module, procedure};
     try {
         if constexpr (std::is_invocable_v<Body&, Trap&>)
@@ -103,8 +112,7 @@ auto trapped(const char* module, const char* procedure, Body&& body) {
 
 /// The one road by which the toolkit calls into the program: nothing leaves it, an untrapped
 /// failure ends the program.
-template <class Handler>
-void outermost(Handler&& handler) {
+template <class Handler> void outermost(Handler&& handler) {
     Boundary boundary;
     try {
         handler();
