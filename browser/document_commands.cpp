@@ -5,8 +5,8 @@
 #include "app/process_values.h"
 #include "browser/frmAbout.h"
 #include "browser/frmMain.h"
+#include "browser/late_wait_cursor.h"
 #include "browser/results_model.h"
-#include "browser/wait_cursor.h"
 #include "common/day_number.h"
 #include "common/drop_menu.h"
 #include "common/error_trap.h"
@@ -264,7 +264,7 @@ void frmMain::data_location() {
     const QEventLoopLocker stay;
     const auto show_data_location = roads_.show_data_location;
     close();
-    show_data_location(nullptr);
+    show_data_location();
 }
 
 void frmMain::open_page(const QString& path) {
@@ -275,7 +275,7 @@ void frmMain::open_page(const QString& path) {
 
 void frmMain::Label1_Click() {
     trapped("frmMain", "Label1_Click", [&] {
-        WaitCursor wait;
+        LateWaitCursor wait;
         const bool add_all = Label1->text() == QLatin1String("Add All");
         if (add_all) {
             for (int i = 0; i < cmbTags->item_count(); ++i) {

@@ -26,16 +26,13 @@ class ResultsModel;
 class StatusLine;
 class TagCombo;
 
-/// The key code of Enter in key_down of the grids and the combo.
-inline constexpr int kEnterKey = 13;
-
 /// Where the main window leads; start-up hands these over, so that the window knows no other
 /// form. Modal forms return when they close. The data location form is shown after the main
-/// window was closed and gets no parent.
+/// window was closed.
 struct MainRoads {
     std::function<void(QWidget* parent)> show_capture;
     std::function<void(QWidget* parent)> show_tags;
-    std::function<void(QWidget* parent)> show_data_location;
+    std::function<void()> show_data_location;
     std::function<void(const QString& path)> show_file = show_in_file_manager;
 };
 
@@ -136,6 +133,8 @@ private:
     void tag_maintenance();
     void data_location();
     QWidget* toolbar_button(const QString& key) const;
+
+    static constexpr int kEnterKey = 13; ///< as key_down of the grids and the combo has it
 
     MainRoads roads_;
     QWidget* entry_;

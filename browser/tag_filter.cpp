@@ -4,10 +4,10 @@
 #include "app/process_values.h"
 #include "browser/empty_note.h"
 #include "browser/frmMain.h"
+#include "browser/late_wait_cursor.h"
 #include "browser/results_model.h"
 #include "browser/results_statement.h"
 #include "browser/status_line.h"
-#include "browser/wait_cursor.h"
 #include "common/day_number.h"
 #include "common/error_trap.h"
 #include "common/message_box.h"
@@ -67,7 +67,7 @@ void frmMain::query_documents() {
     if (!chkDates->isChecked())
         range = DateRange{dtFrom->value(), dtTo->value()};
     // The statement itself cannot be interrupted, so a query after a slow one waits from its start.
-    WaitCursor wait(slow_);
+    LateWaitCursor wait(slow_);
     Recordset found = database().open_recordset(results_statement(chosen_links(), range));
     ResultRows rows;
     if (!found.eof()) {

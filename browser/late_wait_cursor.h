@@ -10,21 +10,21 @@ namespace folidex {
 
 /// The wait cursor for work that turns out to be long: shown by the first call of passing()
 /// after 200 ms, or from the start when the same work was long before; gone with this object.
-class WaitCursor {
+class LateWaitCursor {
 public:
     static constexpr int kPatienceMs = 200;
 
-    explicit WaitCursor(bool long_before = false) {
+    explicit LateWaitCursor(bool long_before = false) {
         clock_.start();
         if (long_before)
             show();
     }
-    ~WaitCursor() {
+    ~LateWaitCursor() {
         if (shown_)
             QGuiApplication::restoreOverrideCursor();
     }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
+    LateWaitCursor(const LateWaitCursor&) = delete;
+    LateWaitCursor& operator=(const LateWaitCursor&) = delete;
 
     void passing() {
         if (!shown_ && is_long())
@@ -34,7 +34,7 @@ public:
 
 private:
     void show() {
-        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+        QGuiApplication::setOverrideCursor(Qt::LateWaitCursor);
         shown_ = true;
     }
 
