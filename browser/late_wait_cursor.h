@@ -34,7 +34,7 @@ public:
 
 private:
     void show() {
-        QGuiApplication::setOverrideCursor(Qt::LateWaitCursor);
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
         shown_ = true;
     }
 
