@@ -1,0 +1,303 @@
+# SPDX-FileCopyrightText: The Folidex authors
+# SPDX-License-Identifier: Apache-2.0
+"""What a person at the station does: look for a widget, click it, type, take a photograph."""
+
+import contextlib
+import pathlib
+import time
+
+from .station import wait_until
+from .tree import DriverError, Gone
+
+BUTTON = ("push button", "button", "push button menu")
+CHECK = ("check box",)
+RADIO = ("radio button",)
+TEXT = ("text", "entry")
+COMBO = ("combo box",)
+DATE = ("spin box", "date editor")
+TABLE = ("table", "tree", "tree table")
+LABEL = ("label",)
+ITEM = ("menu item", "check menu item", "radio menu item")
+MENU = ("popup menu", "menu")
+BOX = ("alert message", "alert", "dialog")
+
+
+def _same(name, wanted):
+    return name.rstrip(":").strip().casefold() == wanted.replace("&", "").strip().casefold()
+
+
+class Robot:
+    """Works on one run of the program at a station; pictures go to a folder."""
+
+    def __init__(self, station, pictures=None, timeout=60):
+        self.station = station
+        self.pictures = pathlib.Path(pictures or station.log_folder)
+        self.pictures.mkdir(parents=True, exist_ok=True)
+        self.timeout = timeout
+        self.process = None
+        self.app = None
+
+    # -- the program
+
+    def start(self, environment=None):
+        self.station.bus.forget_shown()
+        self.process = self.station.start_program(environment)
+        self.app = self.wait(lambda: self.station.bus.application(self.process.pid),
+                             "the program on the accessibility bus")
+
+    def wait_for_end(self):
+        return self.station.wait_for_end(self.process, self.timeout)
+
+    def wait(self, condition, what, timeout=None):
+        """wait_until, but at once over when the program has ended."""
+        def look():
+            try:
+                result = condition()
+            except Gone:
+                result = None
+            if not result and self.process and self.process.poll() is not None:
+                raise DriverError(f"the program ended with code {self.process.returncode} while "
+                                  f"the driver waited for {what}: {self.station.program_log()}")
+            return result
+        return wait_until(look, what, timeout or self.timeout)
+
+    @contextlib.contextmanager
+    def evidence(self, name="failure"):
+        """When the work inside fails, leaves a picture of the screen and the widget tree."""
+        try:
+            yield self
+        except BaseException:
+            tree = self.pictures / f"{name}.txt"
+            with contextlib.suppress(Exception):
+                tree.write_text(self.app.dump() + "\n")
+                print(tree.read_text())
+            with contextlib.suppress(Exception):
+                self.station.run("import", "-window", "root", str(self.pictures / f"{name}.png"))
+            with contextlib.suppress(Exception):
+                print("the program said:", self.station.program_log())
+            print(f"the screen and the widget tree of the failure: {self.pictures}/{name}.*")
+            raise
+
+    # -- looking
+
+    def windows(self):
+        """The program's windows that show, the latest last."""
+        return [node for node in self.app.children if "showing" in node.states]
+
+    def nodes(self, roles, name=None, inside=None):
+        found = []
+        for top in ([inside] if inside else self.windows()):
+            for node in top.walk():
+                with contextlib.suppress(Gone):
+                    if (node.role in roles and (name is None or _same(node.name, name))
+                            and "showing" in node.states):
+                        found.append(node)
+        return found
+
+    def find(self, roles, name=None, inside=None, timeout=None):
+        """The one showing widget of a role and name."""
+        found = self.wait(lambda: self.nodes(roles, name, inside),
+                          f"{roles[0]} \"{name}\"", timeout)
+        if len(found) > 1 and name is not None:
+            raise DriverError(f"{len(found)} widgets of role {roles[0]} are called \"{name}\"")
+        return found[0]
+
+    def window_with(self, roles, name, timeout=None):
+        """The latest window that shows a widget of a role and name."""
+        def look():
+            for window in reversed(self.windows()):
+                if self.nodes(roles, name, window):
+                    return window
+            return None
+        return self.wait(look, f"a window with the {roles[0]} \"{name}\"", timeout)
+
+    def message(self, title, timeout=None):
+        """The message box with a title, as (box, its text)."""
+        def look():
+            for window in self.windows():
+                if window.role in BOX and _same(window.name, title):
+                    texts = [label.name for label in self.nodes(LABEL, None, window)]
+                    return window, "\n".join(text for text in texts if text)
+            return None
+        return self.wait(look, f"the message \"{title}\"", timeout)
+
+    def answer(self, box, button):
+        self.press(self.find(BUTTON, button, box))
+        self.wait_gone(box)
+
+    def wait_gone(self, node, timeout=None):
+        def gone():
+            if self.process.poll() is not None:
+                return True
+            try:
+                return "showing" not in node.states
+            except Gone:
+                return True
+        wait_until(gone, "a window to close", timeout or self.timeout)
+
+    def wait_enabled(self, node):
+        self.wait(lambda: "enabled" in node.states and "sensitive" in node.states,
+                  f"{node.describe()} to be enabled")
+
+    # -- doing
+
+    def _still(self, node):
+        """The extents of a widget that has come to rest."""
+        before = None
+
+        def look():
+            nonlocal before
+            now = node.extents
+            rests, before = now == before and now[2] > 0 and now[3] > 0, now
+            return now if rests else None
+        return self.wait(look, f"{node.describe()} to come to rest")
+
+    def click_at(self, x, y, times=1):
+        scale = self.station.scale
+        self.station.run("xdotool", "mousemove", str(round(x * scale)), str(round(y * scale)),
+                         "click", "--repeat", str(times), "--delay", "40", "1")
+
+    def press(self, node, times=1):
+        """Clicks the middle of an enabled widget."""
+        self.wait_enabled(node)
+        x, y, width, height = self._still(node)
+        if node.role in CHECK + RADIO:
+            width = min(width, 18)
+        self.click_at(x + width / 2, y + height / 2, times)
+
+    def keys(self, *names):
+        self.station.run("xdotool", "key", "--delay", "15", *names)
+
+    def focus(self, node):
+        self.press(node)
+        self.wait(lambda: any("focused" in each.states for each in node.walk(2)),
+                  f"{node.describe()} to take the focus")
+
+    def type_text(self, node, text, enter=False):
+        """Replaces a field's text by typing."""
+        self.focus(node)
+        self.keys("ctrl+a", "BackSpace")
+        if text:
+            if text.isascii():
+                self.station.run("xdotool", "type", "--delay", "8", "--", text)
+            else:
+                node.set_text(text)
+        self.wait(lambda: self.text_of(node) == text,
+                  f"{node.describe()} to read \"{text}\"")
+        if enter:
+            self.keys("Return")
+
+    def text_of(self, node):
+        if node.role in COMBO:
+            for child in node.children:
+                if child.role in TEXT:
+                    return child.text
+            return node.name
+        return node.text
+
+    def enter_tag(self, combo, text):
+        """Types a tag and presses Enter; the combo is empty again when the program took it."""
+        entry = self.entry_of(combo)
+        self.type_text(entry, text, enter=True)
+        self.wait(lambda: entry.text == "", f"the program to take the tag \"{text}\"")
+
+    def entry_of(self, combo):
+        for child in combo.children:
+            if child.role in TEXT:
+                return child
+        return combo
+
+    def set_date(self, node, text):
+        """Puts a date into a picker, in the format that the picker shows."""
+        self.focus(node)
+        node.set_text(text)
+        self.keys("Tab")
+        self.wait(lambda: node.text == text, f"{node.describe()} to read \"{text}\"")
+
+    def cells(self, table):
+        """The texts of a table's visible columns, a list for every row."""
+        rows, columns = table.table_size
+        texts = []
+        for row in range(rows):
+            line = []
+            for column in range(columns):
+                with contextlib.suppress(Gone):
+                    line.append(table.table_cell(row, column).name)
+            texts.append(line)
+        return texts
+
+    def wait_cells(self, table, condition, what):
+        return self.wait(lambda: (lambda all_cells: all_cells if condition(all_cells) else None)(
+            self.cells(table)), what)
+
+    # -- pop-up menus
+
+    def open_menu(self, button):
+        """Presses a button that shows a pop-up menu; the menu."""
+        self.station.bus.forget_shown()
+        self.press(button)
+        return self.wait(self._open_menu, "the pop-up menu")
+
+    def _open_menu(self):
+        for node in self.station.bus.shown():
+            with contextlib.suppress(Gone):
+                if node.role in MENU and "showing" in node.states:
+                    return node
+        return None
+
+    def items(self, menu):
+        return [node for node in menu.walk(4) if node.role in ITEM]
+
+    def choose(self, menu, item):
+        self.press(item)
+        self.wait_gone(menu)
+
+    # -- photographs
+
+    def photograph(self, name, window=None, also=()):
+        """A picture of a window with its frame (else of the whole screen), with what pops out
+        of it."""
+        path = self.pictures / f"{name}.png"
+        command = ["import", "-window", "root"]
+        if window:
+            left, top, right, bottom = self._frame_of(window)
+            for node in also:
+                x, y, width, height = (value * self.station.scale for value in node.extents)
+                left, top = min(left, x), min(top, y)
+                right, bottom = max(right, x + width), max(bottom, y + height)
+            left, top = max(left, 0), max(top, 0)
+            command += ["-crop", f"{right - left}x{bottom - top}+{left}+{top}", "+repage"]
+        self.station.run(*command, str(path))
+        return path
+
+    def _frame_of(self, window):
+        x, y, width, height = (value * self.station.scale for value in self._still(window))
+        margins = [0, 0, 0, 0]
+        pid = str(self.process.pid)
+        for number in self.station.output("xdotool", "search", "--onlyvisible", "--pid",
+                                          pid).split():
+            line = self.station.output("xprop", "-id", number, "_NET_FRAME_EXTENTS")
+            if "=" in line:
+                margins = [int(part) for part in line.split("=")[1].split(",")]
+                break
+        left, right, top, bottom = margins
+        return x - left, y - top, x + width + right, y + height + bottom
+
+    def park_pointer(self):
+        """Moves the pointer where it lights up nothing, and waits for the picture to settle."""
+        self.station.run("xdotool", "mousemove", "1", "1")
+        self.settle()
+
+    def settle(self, quiet=0.3):
+        """Returns when two pictures of the screen in succession are the same."""
+        before = None
+
+        def look():
+            nonlocal before
+            now = self.station.output("import", "-window", "root", "-format",
+                                      "%#\n", "info:-") or None
+            rests, before = now is not None and now == before, now
+            if not rests:
+                time.sleep(quiet / 4)
+            return rests
+        wait_until(look, "the screen to come to rest", 20)

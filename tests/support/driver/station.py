@@ -1,0 +1,224 @@
+# SPDX-FileCopyrightText: The Folidex authors
+# SPDX-License-Identifier: Apache-2.0
+"""A workstation of its own for the program: display, window manager, buses, folders, scanner."""
+
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+from .tree import Bus, DriverError
+
+_DLL_CONF = "test\n"
+_TEST_CONF = """\
+number_of_devices 1
+mode Gray
+depth 8
+resolution 75.0
+test-picture "Color pattern"
+br_x 120.0
+br_y 160.0
+"""
+
+
+def wait_until(condition, what, timeout=60.0):
+    """Returns the first true result of condition(); DriverError naming what when time runs out."""
+    end = time.monotonic() + timeout
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > end:
+            raise DriverError(f"waited {timeout:.0f} seconds in vain for {what}")
+        time.sleep(0.02)
+
+
+class Station:
+    """Starts the stack when entered, ends every process of it when left.
+
+    home is the station's folder: data (all-users folder), sane (scanner configuration), log.
+    A screen is wide enough for the program at the given scale.
+    """
+
+    def __init__(self, program, home=None, scale=1, page_delay=False, dbus_config=None):
+        self.program = str(pathlib.Path(program).resolve())
+        self.scale = scale
+        self._own_home = home is None
+        self.home = pathlib.Path(home or tempfile.mkdtemp(prefix="folidex-e2e-")).resolve()
+        self._page_delay = page_delay
+        self._dbus_config = dbus_config
+        self._started = []
+        self.bus = None
+        self.environment = {}
+
+    # -- the stack
+
+    def __enter__(self):
+        try:
+            self._make_folders()
+            self._start_display()
+            self._start_session_bus()
+            self._start_window_manager()
+            self.bus = Bus(self.environment["DBUS_SESSION_BUS_ADDRESS"])
+        except BaseException:
+            self._end_processes()
+            raise
+        return self
+
+    def __exit__(self, failure, _value, _trace):
+        if self.bus:
+            self.bus.close()
+        self._end_processes()
+        if self._own_home and failure is None:
+            shutil.rmtree(self.home, ignore_errors=True)
+
+    @property
+    def all_users_folder(self):
+        return self.home / "data"
+
+    @property
+    def app_folder(self):
+        return self.all_users_folder / "Brightmoor"
+
+    @property
+    def preferences_file(self):
+        return self.app_folder / "folidex_Preferences.xml"
+
+    @property
+    def log_folder(self):
+        return self.home / "log"
+
+    def _make_folders(self):
+        for name in ("data", "sane", "log", "home", "run", "cache"):
+            (self.home / name).mkdir(parents=True, exist_ok=True)
+        (self.home / "run").chmod(0o700)
+        (self.home / "sane/dll.conf").write_text(_DLL_CONF)
+        self.set_scanner()
+
+    def set_scanner(self, **options):
+        """Writes the test device's configuration; options replace or add lines."""
+        lines = dict(line.split(" ", 1) for line in _TEST_CONF.splitlines())
+        if self._page_delay:
+            lines |= {"read-delay": "true", "read-delay-duration": "4000"}
+        lines |= {key.replace("_", "-"): str(value) for key, value in options.items()}
+        text = "".join(f"{key} {value}\n" for key, value in lines.items())
+        (self.home / "sane/test.conf").write_text(text)
+
+    def _environment(self):
+        keep = ("PATH", "LANG", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
+        environment = {key: os.environ[key] for key in keep if key in os.environ}
+        environment |= {
+            "HOME": str(self.home / "home"),
+            "XDG_DATA_HOME": str(self.all_users_folder),
+            "XDG_RUNTIME_DIR": str(self.home / "run"),
+            "XDG_CACHE_HOME": str(self.home / "cache"),
+            "SANE_CONFIG_DIR": str(self.home / "sane"),
+            "LANG": "C.UTF-8",
+            "LC_ALL": "C.UTF-8",
+            "QT_QPA_PLATFORM": "xcb",
+            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+            "QT_ACCESSIBILITY": "1",
+            "NO_AT_BRIDGE": "0",
+            "GTK_A11Y": "none",
+        }
+        if self.scale != 1:
+            environment["QT_SCALE_FACTOR"] = str(self.scale)
+        return environment
+
+    def _log(self, name):
+        return open(self.log_folder / f"{name}.log", "ab")
+
+    def _start(self, name, command, **options):
+        process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
+                                   stderr=self._log(name), start_new_session=True, **options)
+        self._started.append((name, process))
+        return process
+
+    def _start_display(self):
+        self.environment = self._environment()
+        size = "2800x1900x24" if self.scale != 1 else "1400x950x24"
+        reader, writer = os.pipe()
+        with os.fdopen(reader) as number:
+            self._start("xvfb", ["Xvfb", "-displayfd", str(writer), "-screen", "0", size, "-dpi",
+                                 "96", "-nolisten", "tcp", "-noreset"],
+                        stdout=subprocess.DEVNULL, pass_fds=[writer])
+            os.close(writer)
+            # The end of the stream comes too when the server could not start.
+            display = number.readline().strip()
+        if not display:
+            raise DriverError(f"Xvfb did not start: {self._read_log('xvfb')}")
+        self.environment["DISPLAY"] = f":{display}"
+
+    def _start_session_bus(self):
+        config = [f"--config-file={self._dbus_config}"] if self._dbus_config else ["--session"]
+        daemon = self._start("dbus", ["dbus-daemon", "--nofork", "--print-address=1", *config],
+                             stdout=subprocess.PIPE, text=True)
+        address = daemon.stdout.readline().strip()
+        if not address:
+            raise DriverError(f"dbus-daemon did not start: {self._read_log('dbus')}")
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
+
+    def _start_window_manager(self):
+        self._start("openbox", ["openbox", "--sm-disable"], stdout=subprocess.DEVNULL)
+        wait_until(lambda: "window id" in self.output(
+            "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+
+    def _read_log(self, name):
+        return (self.log_folder / f"{name}.log").read_text(errors="replace").strip()
+
+    def output(self, *command):
+        """What a tool of the stack prints; empty when it fails."""
+        done = subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                              check=False)
+        return done.stdout if done.returncode == 0 else ""
+
+    def run(self, *command):
+        """Runs a tool of the stack; DriverError with its words when it fails."""
+        done = subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                              check=False)
+        if done.returncode != 0:
+            raise DriverError(f"{' '.join(command)} failed: {done.stdout.strip()}")
+        return done.stdout
+
+    def _end_processes(self):
+        for _name, process in reversed(self._started):
+            for number in (signal.SIGTERM, signal.SIGKILL):
+                if process.poll() is not None:
+                    break
+                try:
+                    os.killpg(process.pid, number)
+                    process.wait(timeout=10)
+                except (ProcessLookupError, subprocess.TimeoutExpired):
+                    continue
+            # What a process of the stack started itself (the accessibility bus) shares its group.
+            try:
+                os.killpg(process.pid, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+        self._started.clear()
+
+    # -- the program
+
+    def start_program(self, environment=None):
+        """Starts the program; its output goes to the station's log."""
+        saved = self.environment
+        self.environment = saved | (environment or {})
+        try:
+            return self._start("program", [self.program], stdout=self._log("program"))
+        finally:
+            self.environment = saved
+
+    def program_log(self):
+        return self._read_log("program")
+
+    def wait_for_end(self, process, timeout=60):
+        """The program's exit code."""
+        try:
+            return process.wait(timeout=timeout)
+        except subprocess.TimeoutExpired:
+            raise DriverError(f"the program did not end within {timeout} seconds") from None
