@@ -14,6 +14,7 @@
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <ucontext.h>
+#include <unistd.h>
 
 // Ends of the program's own code, from the linker.
 extern "C" const char __executable_start; // NOLINT(bugprone-reserved-identifier)
@@ -68,11 +69,16 @@ std::uintptr_t stack_top = 0;
 int rooms_to_finish = kMostRoomsToFinish;
 volatile std::sig_atomic_t handling = 0;
 
+/// The kernel counts a stack in pages.
+constexpr rlim_t whole_pages(rlim_t size) noexcept {
+    return size & ~rlim_t{4095};
+}
+
 std::uintptr_t lowest_stack_address() noexcept {
     rlimit limit{};
     if (getrlimit(RLIMIT_STACK, &limit) != 0 || limit.rlim_cur >= stack_top)
         return 0;
-    return stack_top - limit.rlim_cur;
+    return stack_top - whole_pages(limit.rlim_cur);
 }
 
 /// The kernel looks at the limit each time the stack grows, so raising it takes effect at once.
@@ -82,7 +88,7 @@ bool make_stack_room_below(std::uintptr_t stack_pointer, rlim_t room) noexcept {
         return false;
     // A frame larger than the stack leaves its pointer far below the limit.
     const rlim_t used = std::max<rlim_t>(limit.rlim_cur, stack_top - stack_pointer);
-    limit.rlim_cur = std::min(used + room, limit.rlim_max);
+    limit.rlim_cur = std::min(whole_pages(used) + room, limit.rlim_max);
     return setrlimit(RLIMIT_STACK, &limit) == 0;
 }
 
@@ -220,6 +226,23 @@ void handle(int signal, siginfo_t* info, void* context) {
     errno = saved_errno;
 }
 
+/// Where the main thread's stack begins; 0 for the other threads, whose stacks do not grow.
+std::uintptr_t top_of_growing_stack() {
+    rlimit limit{};
+    if (getpid() != gettid() || getrlimit(RLIMIT_STACK, &limit) != 0 ||
+        limit.rlim_cur == RLIM_INFINITY)
+        return 0;
+    pthread_attr_t attributes;
+    if (pthread_getattr_np(pthread_self(), &attributes) != 0)
+        return 0;
+    void* low_end = nullptr;
+    std::size_t size = 0;
+    pthread_attr_getstack(&attributes, &low_end, &size);
+    pthread_attr_destroy(&attributes);
+    // The size leaves out what lies above the first frame; the limit does not.
+    return reinterpret_cast<std::uintptr_t>(low_end) + whole_pages(limit.rlim_cur);
+}
+
 [[noreturn]] void refuse(const char* what) {
     throw Error{kInternalError,
                 QStringLiteral("The crash filter could not be installed: %1 (%2)")
@@ -259,16 +282,7 @@ std::uint32_t exception_code(const SignalFault& fault) noexcept {
 
 void watch_this_thread() {
     watched_thread = pthread_self();
-    pthread_attr_t attributes;
-    if (const int failure = pthread_getattr_np(watched_thread, &attributes)) {
-        errno = failure;
-        refuse("pthread_getattr_np");
-    }
-    void* stack = nullptr;
-    std::size_t size = 0;
-    pthread_attr_getstack(&attributes, &stack, &size);
-    pthread_attr_destroy(&attributes);
-    stack_top = reinterpret_cast<std::uintptr_t>(stack) + size;
+    stack_top = top_of_growing_stack();
 
     stack_t own{};
     own.ss_size = kSignalStackSize;
