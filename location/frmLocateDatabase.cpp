@@ -60,7 +60,8 @@ frmLocateDatabase::frmLocateDatabase(std::function<void()> start_again, QWidget*
     ui_->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
     connect_controls();
-    Form_Load();
+    // Loading is an event of its own: its failure ends the program, whoever opened the form.
+    outermost([this] { Form_Load(); });
 }
 
 frmLocateDatabase::~frmLocateDatabase() = default;
