@@ -6,6 +6,7 @@
 #include "common/message_box.h"
 #include "common/pop_up_menu.h"
 #include "controls/grid.h"
+#include "data/database.h"
 #include "data/settings_store.h"
 #include "tags/frmTags.h"
 #include "tests/support/planned_boxes.h"
