@@ -16,10 +16,11 @@ namespace folidex {
 /// program's SQL dialect (sql_dialect.h). A file that another station holds is waited for.
 /// Failures throw Error with SQLite's extended code as number and, as description, SQLite's
 /// words followed by the file's path.
-class Database {
+class Database : public std::enable_shared_from_this<Database> {
 public:
     /// Opens an existing file shared and read-write; never creates one. Throws Error 52 when
-    /// the file's folder cannot be reached, SQLite's code when it is not a database.
+    /// the file's folder cannot be reached, SQLite's code when it is not a database or lacks
+    /// one of the program's tables; such a file is not changed.
     static std::shared_ptr<Database> open(const QString& path);
 
     ~Database();
@@ -38,6 +39,9 @@ public:
 
 private:
     explicit Database(sqlite3* handle, QString path);
+
+    void require_file_of_ours() const;
+    void prepare_connection() const;
 
     sqlite3* handle_;
     QString path_;

@@ -40,6 +40,7 @@ public:
     QString text(const QString& name) const;
     /// Position of a field for text_at; walk large sets with it.
     int field_index(const QString& name) const;
+    int field_count() const;
     QString text_at(int field_index) const;
     QVariant value_at(int field_index) const;
 

@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+namespace folidex {
+
+/// SQLite's busy handler: waits a short random time for a file that another station holds and
+/// asks for another try, for half a minute at most. Random, so that no station is left behind;
+/// longer after a while, so that a slow network drive is not flooded.
+int wait_while_busy(void* unused, int tries) noexcept;
+
+} // namespace folidex

@@ -1,0 +1,238 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "data/results_query.h"
+
+#include "data/database.h"
+#include "data/link_set.h"
+#include "data/statement.h"
+
+#include <QRegularExpression>
+#include <algorithm>
+#include <cstring>
+#include <sqlite3.h>
+
+namespace folidex {
+
+namespace {
+
+constexpr int kColumns = 5;
+constexpr int kLinkColumn = 4;
+// So few documents are looked up one by one without asking what else could be done.
+constexpr std::size_t kFew = 500;
+// Reading all documents in turn beats looking up more than one of so many.
+constexpr qint64 kScanInsteadOfLookUps = 8;
+// A range that leaves more than one document of so many is no help in finding them.
+constexpr qint64 kWideRange = 4;
+// So many tagged rows are collected in the time that one document's own tags are looked up.
+constexpr qint64 kTaggedRowsALookUp = 12;
+
+const QString& columns() {
+    static const QString text =
+        QStringLiteral("SELECT date, description, fname, location, link FROM scans");
+    return text;
+}
+
+/// One run of the statement, in one read transaction: all its parts see the same moment.
+class ResultsReader {
+public:
+    ResultsReader(const Database& database, const ResultsQuery& query)
+        : database_(database), query_(query), rows_(kColumns),
+          own_transaction_(sqlite3_get_autocommit(database.handle()) != 0) {
+        if (own_transaction_)
+            Statement(database_, QStringLiteral("BEGIN")).run();
+    }
+    ~ResultsReader() {
+        if (own_transaction_ && sqlite3_get_autocommit(database_.handle()) == 0)
+            sqlite3_exec(database_.handle(), "COMMIT", nullptr, nullptr, nullptr);
+    }
+    ResultsReader(const ResultsReader&) = delete;
+    ResultsReader& operator=(const ResultsReader&) = delete;
+
+    RowStore rows() {
+        Statement tagged(
+            database_,
+            QStringLiteral("SELECT scan FROM tagged WHERE tag IN (%1)").arg(query_.tags));
+        if (collect(tagged, kFew))
+            look_up();
+        else if (query_.has_range() && is_narrow())
+            read_range(tagged);
+        else
+            read_all(tagged);
+        return std::move(rows_);
+    }
+
+private:
+    QString range(const char* keyword) const {
+        if (!query_.has_range())
+            return {};
+        return QStringLiteral(" %1 date >= %2 AND date <= %3")
+            .arg(QLatin1String(keyword), query_.from, query_.to);
+    }
+
+    qint64 count(const QString& where) {
+        Statement counted(database_, QStringLiteral("SELECT count(*) FROM scans") + where);
+        counted.step();
+        return counted.integer(0);
+    }
+
+    bool is_narrow() {
+        documents_ = count({});
+        in_range_ = count(range("WHERE"));
+        return in_range_ * kWideRange < documents_;
+    }
+
+    // Goes on collecting; true when all of the tags' rows were read, false after the limit.
+    bool collect(Statement& tagged, qint64 limit) {
+        while (limit-- > 0) {
+            if (!tagged.step()) {
+                links_.finish();
+                return true;
+            }
+            if (sqlite3_column_type(tagged.handle(), 0) == SQLITE_INTEGER)
+                links_.add(tagged.integer(0));
+        }
+        return false;
+    }
+
+    void collect_all(Statement& tagged) {
+        while (!collect(tagged, std::numeric_limits<qint64>::max())) {
+        }
+    }
+
+    void read_range(Statement& tagged) {
+        if (!collect(tagged, in_range_ * kTaggedRowsALookUp))
+            read_in_order(QStringLiteral(" AND EXISTS (SELECT 1 FROM tagged WHERE scan = link AND "
+                                         "tag IN (%1))")
+                              .arg(query_.tags),
+                          false);
+        else if (static_cast<qint64>(links_.size()) * 2 < in_range_)
+            look_up();
+        else
+            read_in_order(QStringLiteral(" AND in_link_set(link, ?1)"), true);
+    }
+
+    void read_in_order(const QString& filter, bool binds_links) {
+        Statement select(database_, columns() + range("WHERE") + filter +
+                                        QStringLiteral(" ORDER BY date, link"));
+        if (binds_links)
+            sqlite3_bind_pointer(select.handle(), 1, &links_, LinkSet::kPointerType, nullptr);
+        while (select.step())
+            rows_.append(select.handle());
+    }
+
+    void read_all(Statement& tagged) {
+        collect_all(tagged);
+        if (documents_ == 0)
+            documents_ = count({});
+        if (static_cast<qint64>(links_.size()) * kScanInsteadOfLookUps < documents_)
+            look_up();
+        else
+            scan();
+    }
+
+    void look_up() {
+        Statement select(database_, columns() + QStringLiteral(" WHERE link = ?1") + range("AND"));
+        for (const qint64 link : links_.links()) {
+            select.bind(1, link);
+            if (select.step())
+                rows_.append(select.handle());
+            select.reset();
+        }
+        sort();
+    }
+
+    void scan() {
+        // NOT INDEXED keeps the order of links, on which sorting relies.
+        Statement select(database_, columns() + QStringLiteral(" NOT INDEXED") + range("WHERE") +
+                                        QStringLiteral(" ORDER BY link"));
+        while (select.step())
+            if (links_.contains(select.integer(kLinkColumn)))
+                rows_.append(select.handle());
+        sort();
+    }
+
+    // The rows come in order of links; they leave in SQLite's order of dates, equal ones as they
+    // came: Null, then numbers, then texts by their bytes.
+    void sort() {
+        std::vector<std::size_t> order;
+        std::vector<std::pair<double, std::size_t>> numbers;
+        std::vector<std::pair<std::string_view, std::size_t>> texts;
+        numbers.reserve(rows_.size());
+        for (std::size_t row = 0; row < rows_.size(); ++row) {
+            const Cell date = rows_.cell(row, 0);
+            if (date.kind == Cell::Kind::Null)
+                order.push_back(row);
+            else if (date.kind == Cell::Kind::Text)
+                texts.emplace_back(date.text, row);
+            else
+                numbers.emplace_back(
+                    date.kind == Cell::Kind::Real ? date.real : static_cast<double>(date.integer),
+                    row);
+        }
+        std::sort(numbers.begin(), numbers.end());
+        std::sort(texts.begin(), texts.end());
+        order.reserve(rows_.size());
+        for (const auto& [date, row] : numbers)
+            order.push_back(row);
+        for (const auto& [date, row] : texts)
+            order.push_back(row);
+        rows_.reorder(order);
+    }
+
+    const Database& database_;
+    const ResultsQuery& query_;
+    RowStore rows_;
+    LinkSet links_;
+    qint64 documents_ = 0;
+    qint64 in_range_ = 0;
+    bool own_transaction_;
+};
+
+bool has_column(const Database& database, const char* table, const char* column, const char* type,
+                bool key) {
+    const char* found_type = nullptr;
+    const char* collation = nullptr;
+    int not_null = 0;
+    int primary_key = 0;
+    int auto_increment = 0;
+    const int code =
+        sqlite3_table_column_metadata(database.handle(), "main", table, column, &found_type,
+                                      &collation, &not_null, &primary_key, &auto_increment);
+    return code == SQLITE_OK && found_type != nullptr && sqlite3_stricmp(found_type, type) == 0 &&
+           sqlite3_stricmp(collation, "BINARY") == 0 && (!key || primary_key != 0);
+}
+
+} // namespace
+
+std::optional<ResultsQuery> recognised_results_query(const QString& sql) {
+    static const QRegularExpression shape(QStringLiteral(
+        "\\ASELECT DISTINCT scans\\.date, scans\\.description, scans\\.fname, scans\\.location, "
+        "scans\\.link FROM scans INNER JOIN tagged ON scans\\.link = tagged\\.scan WHERE "
+        "tagged\\.tag In \\((-?[0-9]{1,18}(?:,-?[0-9]{1,18})*)\\)"
+        "(?: and scans\\.date >= (-?[0-9]{1,18}(?:\\.[0-9]{1,18})?)"
+        " and scans\\.date <= (-?[0-9]{1,18}(?:\\.[0-9]{1,18})?))?"
+        " ORDER BY scans\\.date, scans\\.link\\z"));
+    const QRegularExpressionMatch match = shape.match(sql);
+    if (!match.hasMatch())
+        return std::nullopt;
+    return ResultsQuery{match.captured(1), match.captured(2), match.captured(3)};
+}
+
+bool fits_results_query(const Database& database) {
+    return has_column(database, "scans", "link", "INTEGER", true) &&
+           has_column(database, "scans", "date", "REAL", false) &&
+           has_column(database, "tagged", "scan", "INTEGER", false) &&
+           has_column(database, "tagged", "tag", "INTEGER", false);
+}
+
+RowStore results_rows(const Database& database, const ResultsQuery& query) {
+    return ResultsReader(database, query).rows();
+}
+
+QStringList results_names() {
+    return {QStringLiteral("date"), QStringLiteral("description"), QStringLiteral("fname"),
+            QStringLiteral("location"), QStringLiteral("link")};
+}
+
+} // namespace folidex
