@@ -6,8 +6,18 @@
 #include "common/day_number.h"
 
 #include <QLocale>
+#include <cmath>
 
 namespace folidex {
+
+namespace {
+
+// Infinity can stand in a database file; it has no decimal text.
+QString number_text(double number) {
+    return std::isfinite(number) ? day_number_text(number) : QString::number(number);
+}
+
+} // namespace
 
 QString short_date(const QVariant& stored) {
     if (stored.isNull() || stored.typeId() == QMetaType::QString)
@@ -15,7 +25,7 @@ QString short_date(const QVariant& stored) {
     const double number = stored.toDouble();
     if (const auto moment = from_day_number(number))
         return QLocale::system().toString(moment->date(), QLocale::ShortFormat);
-    return day_number_text(number);
+    return number_text(number);
 }
 
 void ResultRows::append(Row& row, int column, const QString& text) {
@@ -39,7 +49,7 @@ void ResultRows::add(const QVariant& date, const QString& description, const QSt
 QString ResultRows::text(int row, int column) const {
     const Row& stored = rows_[static_cast<std::size_t>(row)];
     if (column == ResultsModel::kDate && stored.dated)
-        return day_number_text(stored.date);
+        return number_text(stored.date);
     const char* begin = texts_.data() + stored.begin;
     for (int before = 0; before < column; ++before)
         begin += stored.length[before];
