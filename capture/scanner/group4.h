@@ -10,7 +10,9 @@
 
 namespace folidex {
 
-/// ITU-T T.6 (Group 4) encoder, row by row; 1 is black, most significant bit first.
+/// ITU-T T.6 (Group 4) encoder, row by row; 1 is black, most significant bit first. A row is
+/// (width + 7) / 8 bytes; bits beyond the width are ignored. Throws Error for a row of another
+/// length and for a width below 1.
 class Group4Encoder {
 public:
     explicit Group4Encoder(int width);
@@ -19,11 +21,19 @@ public:
     QByteArray finish();
 
 private:
+    void find_changes(std::span<const std::uint8_t> row);
+    void code_row();
+    void reserve_row();
     void put(std::uint32_t code, int bits);
+    void put_run(int length, bool black);
 
     int width_;
-    std::vector<std::uint8_t> reference_;
+    /// Columns at which the colour changes, beginning from white, closed by the width several
+    /// times over: of the row above and of the row being coded.
+    std::vector<int> reference_;
+    std::vector<int> current_;
     QByteArray out_;
+    qsizetype used_ = 0;
     std::uint64_t pending_ = 0;
     int pending_bits_ = 0;
 };

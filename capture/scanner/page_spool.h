@@ -11,7 +11,9 @@
 namespace folidex {
 
 /// The encoded pages of one acquisition, kept in a temporary file so that memory does not grow
-/// with their number. Pages count from 1. Failures to write throw Error with the path.
+/// with their number. Pages count from 1. The file is made when the first page comes and goes
+/// with the object. Failures to write or read throw Error with the path; the pages already
+/// kept stay.
 class PageSpool {
 public:
     PageSpool();
@@ -26,6 +28,8 @@ private:
         qint64 offset = 0;
         qint64 size = 0;
     };
+    qint64 end() const;
+
     QTemporaryFile file_;
     std::vector<Entry> entries_;
 };

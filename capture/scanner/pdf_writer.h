@@ -11,7 +11,8 @@
 namespace folidex {
 
 /// Writes a PDF of scanned pages onto a sequential device, page by page; only offsets stay in
-/// memory. The page's size is pixels by resolution. Throws Error when the device refuses.
+/// memory. The page's size is pixels by resolution. Throws Error when the device refuses, for a
+/// page that has no pixels, data or resolution, and for a PDF without pages.
 class PdfWriter {
 public:
     explicit PdfWriter(QIODevice& out);
@@ -22,10 +23,15 @@ public:
 private:
     void write(const QByteArray& bytes);
     int begin_object();
+    void begin_object(int number);
+    void write_stream(const QByteArray& entries, const QByteArray& data);
+    void write_page_tree();
+    void write_info();
+    void write_trailer();
 
     QIODevice& out_;
     qint64 position_ = 0;
-    std::vector<qint64> offsets_;
+    std::vector<qint64> offsets_; ///< of objects 1, 2 ...
     std::vector<int> page_objects_;
 };
 
