@@ -10,11 +10,24 @@
 namespace folidex {
 namespace {
 
-[[noreturn]] void fail(const QFileDevice& file, const QString& path, const QString& what) {
+// The folder is named, not the file: the file may have no name, so that it goes even when the
+// program is killed, and asking for one would give it one.
+[[noreturn]] void fail(const QFileDevice& file, const QString& what) {
     const bool full = file.error() == QFileDevice::ResourceError;
     throw Error(full ? kDiskFull : kInternalError,
-                QStringLiteral("The scanned page could not be %1 the temporary file %2: %3")
-                    .arg(what, QDir::toNativeSeparators(path), file.errorString()));
+                QStringLiteral("The scanned page could not be %1 the temporary folder %2: %3")
+                    .arg(what, QDir::toNativeSeparators(QDir::tempPath()), file.errorString()));
+}
+
+/// The system's temporary folder. Qt answers with nothing when it is not there, and would then
+/// use whatever folder is the current one.
+QString temporary_folder() {
+    const QString folder = QDir::tempPath();
+    if (folder.isEmpty())
+        throw Error(kPathNotFound,
+                    QStringLiteral("The temporary folder for scanned pages does not exist: %1")
+                        .arg(qEnvironmentVariable("TMPDIR")));
+    return folder;
 }
 
 } // namespace
@@ -33,14 +46,19 @@ qint64 PageSpool::end() const {
 
 void PageSpool::add(const EncodedPage& page) {
     if (!file_.isOpen()) {
-        file_.setFileTemplate(QDir::temp().filePath(QStringLiteral("folidex-scan-XXXXXX")));
-        if (!file_.open())
-            fail(file_, file_.fileTemplate(), QStringLiteral("kept in"));
+        file_.setFileTemplate(QDir(temporary_folder()).filePath(QStringLiteral("folidex-XXXXXX")));
+        if (!file_.open_unbuffered())
+            fail(file_, QStringLiteral("kept in"));
     }
     const qint64 offset = end();
-    // Without the flush a full disk would show only pages later.
-    if (!file_.seek(offset) || file_.write(page.data) != page.data.size() || !file_.flush())
-        fail(file_, file_.fileName(), QStringLiteral("kept in"));
+    if (!file_.seek(offset))
+        fail(file_, QStringLiteral("kept in"));
+    for (qint64 done = 0; done < page.data.size();) {
+        const qint64 step = file_.write(page.data.constData() + done, page.data.size() - done);
+        if (step <= 0)
+            fail(file_, QStringLiteral("kept in"));
+        done += step;
+    }
     Entry entry{page, offset, page.data.size()};
     entry.page.data.clear();
     entries_.push_back(std::move(entry));
@@ -59,7 +77,7 @@ EncodedPage PageSpool::page(int number) {
     if (file_.seek(entry.offset))
         page.data = file_.read(entry.size);
     if (page.data.size() != entry.size)
-        fail(file_, file_.fileName(), QStringLiteral("read from"));
+        fail(file_, QStringLiteral("read from"));
     return page;
 }
 

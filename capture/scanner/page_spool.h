@@ -12,8 +12,8 @@ namespace folidex {
 
 /// The encoded pages of one acquisition, kept in a temporary file so that memory does not grow
 /// with their number. Pages count from 1. The file is made when the first page comes and goes
-/// with the object. Failures to write or read throw Error with the path; the pages already
-/// kept stay.
+/// with the object. Failures to write or read throw Error with the folder's path;
+/// the pages already kept stay.
 class PageSpool {
 public:
     PageSpool();
@@ -28,9 +28,14 @@ private:
         qint64 offset = 0;
         qint64 size = 0;
     };
+    /// Unbuffered, because a page that the disk refuses must not wait in a buffer.
+    class File : public QTemporaryFile {
+    public:
+        bool open_unbuffered() { return open(ReadWrite | Unbuffered); }
+    };
     qint64 end() const;
 
-    QTemporaryFile file_;
+    File file_;
     std::vector<Entry> entries_;
 };
 

@@ -1,0 +1,104 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+// Scans made-up pages into a spool and a PDF, in a process whose limits and peak the caller
+// controls and reads:
+//   pages_probe pdf <1-bit|grey|colour> <pages> <path>   prints the peak of its memory in KB
+//   pages_probe spool <pages> <bytes a page>             prints what became of the pages
+
+#include "capture/scanner/page_encoder.h"
+#include "capture/scanner/page_spool.h"
+#include "capture/scanner/pdf_writer.h"
+#include "common/error.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QTextStream>
+
+using namespace folidex;
+
+namespace {
+
+constexpr int kWidth = 1240;
+constexpr int kHeight = 1754;
+constexpr double kResolution = 150;
+
+PixelType pixel_type(const QString& name) {
+    if (name == QStringLiteral("1-bit"))
+        return PixelType::kBilevel;
+    return name == QStringLiteral("grey") ? PixelType::kGray : PixelType::kRgb;
+}
+
+EncodedPage scan_page(PixelType type, quint32 seed) {
+    PageEncoder encoder({type, kWidth, 0, kResolution, kResolution});
+    QRandomGenerator random(seed);
+    QByteArray row(static_cast<qsizetype>(PageFormat{type, kWidth}.bytes_per_row()), '\0');
+    for (int y = 0; y < kHeight; ++y) {
+        row[static_cast<qsizetype>(random.bounded(static_cast<int>(row.size())))] =
+            static_cast<char>(random.bounded(256));
+        encoder.add_rows(row);
+    }
+    return encoder.finish();
+}
+
+QByteArray peak_memory() {
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (status.open(QIODevice::ReadOnly))
+        for (const QByteArray& line : status.readAll().split('\n'))
+            if (line.startsWith("VmHWM:"))
+                return line.mid(6).trimmed().split(' ').first();
+    return "unknown";
+}
+
+void make_pdf(PixelType type, int pages, const QString& path) {
+    PageSpool spool;
+    for (int i = 0; i < pages; ++i)
+        spool.add(scan_page(type, static_cast<quint32>(i)));
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        throw Error(kInternalError, path);
+    PdfWriter writer(file);
+    for (int i = 1; i <= spool.count(); ++i)
+        writer.add_page(spool.page(i));
+    writer.finish();
+    QTextStream(stdout) << peak_memory() << '\n';
+}
+
+void fill_spool(int pages, int bytes) {
+    PageSpool spool;
+    QTextStream out(stdout);
+    try {
+        for (int i = 0; i < pages; ++i) {
+            EncodedPage page{EncodedPage::Filter::kGroup4, PixelType::kBilevel, 1, 1, 1, 1, {}};
+            page.data = QByteArray(bytes, static_cast<char>('a' + i));
+            spool.add(page);
+        }
+    } catch (const Error& error) {
+        out << error.description << '\n';
+    }
+    out << "kept";
+    for (int i = 1; i <= spool.count(); ++i) {
+        const QByteArray data = spool.page(i).data;
+        out << ' ' << data.front() << data.count(data.front());
+    }
+    out << '\n';
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    try {
+        if (arguments.value(1) == QStringLiteral("pdf"))
+            make_pdf(pixel_type(arguments.value(2)), arguments.value(3).toInt(),
+                     arguments.value(4));
+        else
+            fill_spool(arguments.value(2).toInt(), arguments.value(3).toInt());
+    } catch (const Error& error) {
+        QTextStream(stderr) << error.description << '\n';
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,171 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "capture/scanner/page_spool.h"
+#include "common/error.h"
+#include "page_tools.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace folidex;
+using namespace folidex::testing;
+
+class TestPageSpool : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void five_hundred_pages_stay_in_the_order_of_acquisition();
+    void pages_are_read_in_any_order_while_more_come();
+    void clearing_drops_the_pages_and_the_next_scan_begins_at_one();
+    void a_page_that_is_not_there_is_refused();
+    void the_file_goes_with_the_spool();
+    void nobody_else_can_read_the_file();
+    void an_unusable_temporary_folder_is_named();
+    void a_full_disk_names_the_folder_and_keeps_the_pages_so_far();
+
+private:
+    QStringList temporary_files() const;
+    QFileInfo open_file() const;
+    std::unique_ptr<QTemporaryDir> folder_;
+    QByteArray system_folder_;
+};
+
+namespace {
+
+EncodedPage page_of(const QByteArray& data, int width = 10) {
+    return {EncodedPage::Filter::kGroup4, PixelType::kBilevel, width, 20, 300, 200, data};
+}
+
+} // namespace
+
+QStringList TestPageSpool::temporary_files() const {
+    return QDir(folder_->path()).entryList(QDir::Files | QDir::Hidden);
+}
+
+/// The spool's file among this process's open files: it need not have a name.
+QFileInfo TestPageSpool::open_file() const {
+    for (const QFileInfo& file :
+         QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::Files | QDir::System))
+        if (file.symLinkTarget().startsWith(folder_->path()))
+            return file;
+    return {};
+}
+
+void TestPageSpool::init() {
+    folder_ = std::make_unique<QTemporaryDir>();
+    system_folder_ = qgetenv("TMPDIR");
+    qputenv("TMPDIR", folder_->path().toUtf8());
+}
+
+void TestPageSpool::cleanup() {
+    if (system_folder_.isNull())
+        qunsetenv("TMPDIR");
+    else
+        qputenv("TMPDIR", system_folder_);
+}
+
+void TestPageSpool::five_hundred_pages_stay_in_the_order_of_acquisition() {
+    PageSpool spool;
+    QCOMPARE(spool.count(), 0);
+    for (int i = 1; i <= 500; ++i) {
+        spool.add(page_of(QByteArray::number(i).repeated(i), i));
+        QCOMPARE(spool.count(), i);
+    }
+    for (int i = 1; i <= 500; ++i) {
+        const EncodedPage page = spool.page(i);
+        QCOMPARE(page.data, QByteArray::number(i).repeated(i));
+        QCOMPARE(page.width, i);
+        QCOMPARE(page.height, 20);
+        QCOMPARE(page.x_resolution, 300.0);
+        QCOMPARE(page.y_resolution, 200.0);
+    }
+}
+
+void TestPageSpool::pages_are_read_in_any_order_while_more_come() {
+    PageSpool spool;
+    spool.add(page_of("first"));
+    spool.add(page_of("second"));
+    QCOMPARE(spool.page(2).data, QByteArray("second"));
+    QCOMPARE(spool.page(1).data, QByteArray("first"));
+    spool.add(page_of("third"));
+    QCOMPARE(spool.page(3).data, QByteArray("third"));
+    QCOMPARE(spool.page(2).data, QByteArray("second"));
+}
+
+void TestPageSpool::clearing_drops_the_pages_and_the_next_scan_begins_at_one() {
+    PageSpool spool;
+    spool.clear();
+    spool.add(page_of("old"));
+    spool.clear();
+    QCOMPARE(spool.count(), 0);
+    QVERIFY(open_file().exists());
+    QCOMPARE(open_file().size(), 0);
+    spool.add(page_of("new"));
+    QCOMPARE(spool.count(), 1);
+    QCOMPARE(spool.page(1).data, QByteArray("new"));
+}
+
+void TestPageSpool::a_page_that_is_not_there_is_refused() {
+    PageSpool spool;
+    QVERIFY_EXCEPTION_THROWN(spool.page(1), Error);
+    spool.add(page_of("only"));
+    QVERIFY_EXCEPTION_THROWN(spool.page(0), Error);
+    QVERIFY_EXCEPTION_THROWN(spool.page(2), Error);
+    QCOMPARE(spool.page(1).data, QByteArray("only"));
+}
+
+void TestPageSpool::the_file_goes_with_the_spool() {
+    {
+        PageSpool spool;
+        QVERIFY(!open_file().exists());
+        spool.add(page_of("page"));
+        QCOMPARE(open_file().size(), 4);
+    }
+    QVERIFY(!open_file().exists());
+    QCOMPARE(temporary_files(), QStringList());
+}
+
+void TestPageSpool::nobody_else_can_read_the_file() {
+    PageSpool spool;
+    spool.add(page_of("page"));
+    const QFileInfo file = open_file();
+    QVERIFY(file.permissions() & QFile::ReadOwner);
+    const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    QVERIFY(!(file.permissions() & others));
+}
+
+void TestPageSpool::an_unusable_temporary_folder_is_named() {
+    const QString missing = folder_->filePath(QStringLiteral("missing"));
+    qputenv("TMPDIR", missing.toUtf8());
+    PageSpool spool;
+    try {
+        spool.add(page_of("page"));
+        QFAIL("the page was kept nowhere");
+    } catch (const Error& error) {
+        QVERIFY2(error.description.contains(missing), qPrintable(error.description));
+    }
+    QCOMPARE(spool.count(), 0);
+    QVERIFY(QDir().mkpath(missing));
+    spool.add(page_of("page"));
+    QCOMPARE(spool.page(1).data, QByteArray("page"));
+}
+
+void TestPageSpool::a_full_disk_names_the_folder_and_keeps_the_pages_so_far() {
+    // The shell limits the file to 64 blocks of 512 bytes: room for three pages of 10,000 bytes.
+    const QString limited = QStringLiteral("trap '' XFSZ; ulimit -f 64; exec '%1' spool 5 10000");
+    const Said said = run(QStringLiteral("/bin/sh"),
+                          {QStringLiteral("-c"), limited.arg(QStringLiteral(PAGES_PROBE))});
+    QCOMPARE(said.exit_code, 0);
+    const QStringList lines = said.text.trimmed().split(u'\n');
+    QCOMPARE(lines.size(), 2);
+    QVERIFY2(lines[0].contains(folder_->path()), qPrintable(lines[0]));
+    QCOMPARE(lines[1], QStringLiteral("kept a10000 b10000 c10000"));
+    QCOMPARE(temporary_files(), QStringList());
+}
+
+QTEST_GUILESS_MAIN(TestPageSpool)
+#include "test_page_spool.moc"
