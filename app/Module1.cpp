@@ -15,6 +15,7 @@
 #include "location/frmLocateDatabase.h"
 #include "platform/safe_file.h"
 #include "platform/shell.h"
+#include "tags/frmTags.h"
 
 #include <QPointer>
 
@@ -36,9 +37,12 @@ void show_main_window() {
         frmScanNew form(parent);
         form.exec();
     };
+    roads.show_tags = [](QWidget* parent) {
+        frmTags form(parent);
+        form.exec();
+    };
     roads.show_data_location = show_data_location;
     auto* window = new frmMain(std::move(roads));
-    window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();
 }
 
