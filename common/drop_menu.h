@@ -4,14 +4,16 @@
 #pragma once
 
 #include <QColor>
-#include <QList>
 #include <QMenu>
+#include <vector>
 
 namespace folidex {
 
 /// The pop-up menu control that every form carries as Dmnu: items counted from 1, separators
-/// among them, each with an optional second line, check mark and colours. The members bear the
-/// names that pop_up_menu.h and the forms use.
+/// among them, each with an optional second line, check mark and colours. Captions are shown
+/// letter for letter ("&" is no access key). The members bear the names that pop_up_menu.h and
+/// the forms use; an index that is no item throws Error 9. Every item is an action of the menu,
+/// so keys, pointer and screen readers find what they find in any menu.
 class DropMenu : public QMenu {
     Q_OBJECT
 
@@ -28,6 +30,7 @@ public:
     QString ItemCaption(int index) const;
 
     void ItemSubText(int index, const QString& text);
+    /// 1 keeps a long caption from widening the menu: it ends in dots.
     void ItemClip(int index, int clip);
     void ItemEnabled(int index, bool enabled);
     void ItemForeColor(int index, const QColor& color);
@@ -64,12 +67,42 @@ public:
     void show_under(QWidget* widget);
 
 Q_SIGNALS:
-    /// The user chose the item with this index.
+    /// The user chose the item with this index. Comes from the event loop, when the menu is
+    /// closed, so that the handler may show windows or close the menu's own form.
     void ItemClick(int index);
 
+protected:
+    void initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const override;
+    void paintEvent(QPaintEvent* event) override;
+
 private:
-    struct Item;
-    QList<Item*> items_;
+    friend class DropMenuStyle;
+    struct Item {
+        QAction* action = nullptr;
+        QString caption;
+        QString sub_text;
+        int clip = 0;
+        bool enabled = true;
+        bool checked = false;
+        bool separator = false;
+        QColor fore_color;
+        QColor back_color;
+        int item_number = 0;
+    };
+    Item& item(int index);
+    const Item& item(int index) const;
+    const Item* item_of(const QAction* action) const;
+    QSize item_size(const QAction* action) const;
+    QFont sub_text_font() const;
+    int margin_width() const;
+    int widest_text(const Item& item) const;
+    QColor text_color_of(const Item& item, bool selected) const;
+    void paint_ground(QPainter& painter) const;
+    void paint_item(QPainter& painter, const QRect& rect, const Item& item, bool selected) const;
+    void paint_check(QPainter& painter, const QRect& rect) const;
+    void choose(const QAction* action);
+
+    std::vector<Item> items_;
 };
 
 } // namespace folidex

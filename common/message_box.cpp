@@ -2,3 +2,153 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "common/message_box.h"
+
+#include <QApplication>
+#include <QInputDialog>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+
+namespace folidex {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+// Longer texts would make a box that fits no screen; the whole text is then under "Details".
+constexpr qsizetype kLongestText = 1500;
+constexpr qsizetype kMostLines = 24;
+// A run without a blank, such as a path, is broken here, or the box would be as wide as it.
+constexpr qsizetype kLongestRun = 72;
+
+std::function<int(const QString&, int, const QString&)> box_presenter;
+std::function<QString(const QString&, const QString&)> input_presenter;
+
+QWidget* owner_window() {
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows)
+        if (window->isVisible() && window->windowType() != Qt::Popup)
+            return window;
+    return nullptr;
+}
+
+QString with_plain_line_ends(QString text) {
+    return text.replace("\r\n"_L1, "\n"_L1).replace(u'\r', u'\n');
+}
+
+bool breaks_here(QChar c) {
+    return c == u'/' || c == u'\\' || c == u'.' || c == u'_' || c == u'-' || c == u',';
+}
+
+// Never between the two halves of a surrogate pair.
+QString with_long_runs_broken(const QString& text) {
+    QString broken;
+    qsizetype run = 0;
+    qsizetype last_break = -1;
+    for (const QChar c : text) {
+        if (c.isSpace()) {
+            run = 0;
+            last_break = -1;
+        } else if (run >= kLongestRun && !c.isLowSurrogate()) {
+            const qsizetype at = last_break >= 0 ? last_break : broken.size();
+            broken.insert(at, u'\n');
+            run = broken.size() - at - 1;
+            last_break = -1;
+        }
+        broken += c;
+        if (!c.isSpace())
+            ++run;
+        if (breaks_here(c))
+            last_break = broken.size();
+    }
+    return broken;
+}
+
+QString shortened(const QString& text) {
+    QStringList lines = text.split(u'\n');
+    QString head = text.left(kLongestText);
+    if (lines.size() > kMostLines)
+        head = lines.mid(0, kMostLines).join(u'\n').left(kLongestText);
+    if (head.size() == text.size())
+        return text;
+    if (head.back().isHighSurrogate())
+        head.chop(1);
+    return head + u'\u2026';
+}
+
+QMessageBox::Icon icon_of(int style) {
+    switch (style & 0x70) {
+    case kCriticalIcon:
+        return QMessageBox::Critical;
+    case kQuestionIcon:
+        return QMessageBox::Question;
+    case kInformationIcon:
+        return QMessageBox::Information;
+    default:
+        return QMessageBox::NoIcon;
+    }
+}
+
+int show_box(const QString& prompt, int style, const QString& title) {
+    const bool yes_no = (style & 0xf) == kYesNo;
+    // On the heap: the owner may be destroyed, and the box with it, while it is open.
+    QPointer<QMessageBox> box = new QMessageBox(owner_window());
+    box->setTextFormat(Qt::PlainText);
+    box->setIcon(icon_of(style));
+    box->setWindowTitle(title);
+    const QString text = with_plain_line_ends(prompt);
+    const QString head = shortened(text);
+    box->setText(with_long_runs_broken(head));
+    if (head != text)
+        box->setDetailedText(text);
+    box->setStandardButtons(yes_no ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
+    box->setDefaultButton(yes_no ? QMessageBox::Yes : QMessageBox::Ok);
+    box->setEscapeButton(yes_no ? QMessageBox::No : QMessageBox::Ok);
+    if (auto* label = box->findChild<QLabel*>(u"qt_msgbox_label"_s))
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    const int answer = box->exec();
+    delete box;
+    if (!yes_no)
+        return kAnswerOk;
+    return answer == QMessageBox::Yes ? kAnswerYes : kAnswerNo;
+}
+
+QString show_input(const QString& prompt, const QString& title) {
+    QPointer<QInputDialog> dialog = new QInputDialog(owner_window());
+    dialog->setInputMode(QInputDialog::TextInput);
+    dialog->setWindowTitle(title);
+    dialog->setLabelText(with_long_runs_broken(shortened(with_plain_line_ends(prompt))));
+    if (auto* label = dialog->findChild<QLabel*>())
+        label->setTextFormat(Qt::PlainText);
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    const QString text = dialog && accepted ? dialog->textValue() : QString();
+    delete dialog;
+    return text;
+}
+
+} // namespace
+
+int message_box(const QString& prompt, int style, const QString& title) {
+    return box_presenter ? box_presenter(prompt, style, title) : show_box(prompt, style, title);
+}
+
+QString input_box(const QString& prompt, const QString& title) {
+    return input_presenter ? input_presenter(prompt, title) : show_input(prompt, title);
+}
+
+void set_message_box_presenter(
+    std::function<int(const QString& prompt, int style, const QString& title)> presenter) {
+    box_presenter = std::move(presenter);
+}
+
+void set_input_box_presenter(
+    std::function<QString(const QString& prompt, const QString& title)> presenter) {
+    input_presenter = std::move(presenter);
+}
+
+} // namespace folidex

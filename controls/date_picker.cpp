@@ -2,3 +2,92 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "controls/date_picker.h"
+
+#include "common/day_number.h"
+#include "common/error_trap.h"
+
+#include <QCalendarWidget>
+#include <QLayout>
+#include <QLocale>
+#include <QPushButton>
+#include <QWheelEvent>
+#include <cmath>
+
+namespace folidex {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QDate kFirstDate(100, 1, 1);
+const QDate kLastDate(9999, 12, 31);
+
+double nearest_date(double number) {
+    if (std::isnan(number))
+        return 0;
+    if (from_day_number(number))
+        return number;
+    return day_number(number < 0 ? kFirstDate : kLastDate);
+}
+
+} // namespace
+
+QString short_date_format() {
+    QString format = QLocale::system().dateFormat(QLocale::ShortFormat);
+    if (!format.contains("yyyy"_L1))
+        format.replace("yy"_L1, "yyyy"_L1);
+    return format;
+}
+
+DatePicker::DatePicker(QWidget* parent) : QDateTimeEdit(parent) {
+    setTimeSpec(Qt::UTC);
+    setDisplayFormat(short_date_format());
+    setDateRange(kFirstDate, kLastDate);
+    setCalendarPopup(true);
+    // Half-typed years are no dates to search by; the date counts when the field is left.
+    setKeyboardTracking(false);
+    setFocusPolicy(Qt::StrongFocus);
+    add_today_button();
+    setDate(QDate::currentDate());
+    value_ = day_number(date());
+    on(this, &QDateTimeEdit::dateChanged, this, [this](const QDate& date) {
+        const QDateTime former = *from_day_number(value_);
+        if (date == former.date())
+            return;
+        value_ = day_number(date, former.time());
+        Q_EMIT change();
+    });
+}
+
+void DatePicker::add_today_button() {
+    QCalendarWidget* calendar = calendarWidget();
+    auto* button = new QPushButton(tr("Today"), calendar);
+    button->setObjectName(u"cmdToday"_s);
+    calendar->layout()->addWidget(button);
+    on(button, &QPushButton::clicked, calendar,
+       [calendar] { Q_EMIT calendar->activated(QDate::currentDate()); });
+}
+
+double DatePicker::value() const {
+    const_cast<DatePicker*>(this)->interpretText();
+    return value_;
+}
+
+void DatePicker::set_value(double day_number) {
+    const double changed = nearest_date(day_number);
+    if (changed == value_)
+        return;
+    value_ = changed;
+    setDate(from_day_number(changed)->date());
+    Q_EMIT change();
+}
+
+void DatePicker::wheelEvent(QWheelEvent* event) {
+    // Scrolling a window past the field must not change the date.
+    if (hasFocus())
+        QDateTimeEdit::wheelEvent(event);
+    else
+        event->ignore();
+}
+
+} // namespace folidex

@@ -7,6 +7,10 @@
 
 namespace folidex {
 
+/// The system's short date format, with the year in four digits: a document of 1926 must not
+/// look like one of 2026.
+QString short_date_format();
+
 /// A date picker with a calendar, in the system's short format. Its value is a day number
 /// (common/day_number.h); a time of day that was set is kept though only the date is shown.
 class DatePicker : public QDateTimeEdit {
@@ -15,6 +19,7 @@ class DatePicker : public QDateTimeEdit {
 public:
     explicit DatePicker(QWidget* parent = nullptr);
 
+    /// Takes in what is still being typed first.
     double value() const;
     /// Values that are no date (NaN, before the year 100, after 9999) go to the nearest date.
     void set_value(double day_number);
@@ -22,6 +27,14 @@ public:
 Q_SIGNALS:
     /// The value changed, by the user or by set_value.
     void change();
+
+protected:
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    void add_today_button();
+
+    double value_ = 0;
 };
 
 } // namespace folidex

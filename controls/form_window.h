@@ -5,8 +5,8 @@
 
 #include "data/window_positions.h"
 
-#include <QSize>
 #include <QWidget>
+#include <optional>
 
 namespace folidex {
 
@@ -33,7 +33,11 @@ public:
     double main_width() const override;
 
 private:
+    void place();
+
     QWidget* form_;
+    std::optional<int> wanted_top_;
+    std::optional<int> wanted_left_;
 };
 
 } // namespace folidex

@@ -9,10 +9,15 @@
 
 namespace folidex {
 
+class GridModel;
+
 /// The grid of the forms: rows of text, whole rows selected, a current row. Row numbers count
-/// the header as row 0 when the grid has one (fixed_rows 1), so that data begins at row 1.
-/// It shows its own model or any other table model; the members that change rows work on the
-/// grid's own model only.
+/// the header as row 0 when the grid has one (fixed_rows 1), so that data begins at row 1; a
+/// click on the header makes row 0 the current one. It shows its own model or any other table
+/// model; the members that change rows work on the grid's own model only and do nothing while
+/// another is shown. A cell that does not exist reads as empty. Texts are shown on one line.
+/// A picture in column 0 is a mark to click on: it reacts to the pointer, and Delete on its
+/// row does what a click on it does.
 class Grid : public QTableView {
     Q_OBJECT
 
@@ -50,6 +55,9 @@ public:
     /// First row from a row on whose cell in a column is exactly a text; -1 when none is.
     int find_row(const QString& text, int from_row, int column) const;
 
+    void setModel(QAbstractItemModel* model) override;
+    void reset() override;
+
 Q_SIGNALS:
     void click();
     void dbl_click();
@@ -59,15 +67,33 @@ Q_SIGNALS:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
 
 private:
+    class Change;
+    void connect_header();
+    void fit_row_height();
+    bool is_mark(const QModelIndex& index) const;
+    void remember_place(const QModelIndex& index);
+    void announce_row();
+
+    GridModel* model_;
     int fixed_rows_ = 0;
     int mouse_row_ = -1;
     int mouse_column_ = -1;
+    QPersistentModelIndex pressed_;
+    int changes_ = 0;
+    bool row_changed_ = false;
+    int announced_row_ = -1;
 };
 
 } // namespace folidex
