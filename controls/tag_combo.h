@@ -47,12 +47,12 @@ public:
     /// Chooses an item: its description becomes the text.
     void set_list_index(int index);
 
+    QSize sizeHint() const override;
+
 Q_SIGNALS:
     /// A key was pressed in the combo or its lists; Enter is 13, other keys their Qt code. Enter
     /// comes when an open list is closed and its marked item is the text.
     void key_down(int key_code);
-
-    QSize sizeHint() const override;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
