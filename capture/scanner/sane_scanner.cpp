@@ -99,15 +99,10 @@ void SaneScanner::set_scan_until_empty(bool on) {
     wishes_.until_empty = on;
 }
 
-SaneWho SaneScanner::who() const {
-    const SaneSource& source = sources_.at(current_);
-    return {source_names(sources_).at(current_), source.device, source.type};
-}
-
 ScanProgress& SaneScanner::progress(QWidget* parent) {
     if (!progress_ || !progress_->isVisible()) {
         delete progress_;
-        progress_ = new ScanProgress(who().name, parent);
+        progress_ = new ScanProgress(who_.name, parent);
     }
     return *progress_;
 }
@@ -133,7 +128,7 @@ bool SaneScanner::run(ScanControl::Phase phase, QWidget* parent, int show_after,
         window.hide();
         session_->abandon(operation);
         device_.reset();
-        throw no_answer_error(who().name);
+        throw no_answer_error(who_.name);
     }
     try {
         operation->rethrow();
@@ -151,9 +146,11 @@ bool SaneScanner::open_source() {
         return false;
     if (session_->hangs())
         throw still_hangs_error();
-    auto device = std::make_shared<SaneDevice>(sources_.at(current_).device);
+    const SaneSource& source = sources_.at(current_);
+    who_ = {source_name(current_), source.device, source.type};
+    auto device = std::make_shared<SaneDevice>(source.device);
     const auto usable = std::make_shared<bool>(false);
-    const auto work = [device, usable, who = who()](const SaneApi& api, ScanControl& operation) {
+    const auto work = [device, usable, who = who_](const SaneApi& api, ScanControl& operation) {
         if (operation.cancelled())
             return;
         const SANE_Status status = device->open(api);
@@ -194,7 +191,7 @@ void SaneScanner::acquire(QWidget* parent) {
     // A scan that is left behind may still fill its own spool, never a later one's.
     const auto pages = std::make_shared<PageSpool>();
     const auto device = device_;
-    const auto work = [device, pages, who = who(), wishes = wishes_](const SaneApi& api,
+    const auto work = [device, pages, who = who_, wishes = wishes_](const SaneApi& api,
                                                                      ScanControl& operation) {
         struct Closing {
             SaneDevice& device;

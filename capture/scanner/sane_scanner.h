@@ -48,7 +48,6 @@ private:
 
     void look_for_late_sources();
     bool is_known(int index) const;
-    SaneWho who() const;
     ScanProgress& progress(QWidget* parent);
     /// Runs work on the session's thread under the progress window. Returns false when it was
     /// cancelled; throws what it failed with, or that the scanner does not answer.
@@ -63,6 +62,7 @@ private:
     std::function<void()> sources_changed_;
 
     int current_ = 0;
+    SaneWho who_; ///< the source opened last
     ScanWishes wishes_;
     bool show_progress_ = true;
     QPointer<ScanProgress> progress_;
