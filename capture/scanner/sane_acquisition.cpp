@@ -23,6 +23,7 @@ SaneAcquisition::SaneAcquisition(const SaneApi& api, SANE_Handle handle, SaneWho
 
 void SaneAcquisition::run() {
     choose_feeder();
+    scale_ = sane_scale(options_);
     try {
         scan_pages();
     } catch (...) {
@@ -66,7 +67,9 @@ bool SaneAcquisition::turn_to_glass() {
         return false;
     api_.cancel(handle_);
     feeder_ = false;
-    return options_.set_text(SANE_NAME_SCAN_SOURCE, glass) == SANE_STATUS_GOOD;
+    const bool turned = options_.set_text(SANE_NAME_SCAN_SOURCE, glass) == SANE_STATUS_GOOD;
+    scale_ = sane_scale(options_);
+    return turned;
 }
 
 void SaneAcquisition::scan_pages() {
@@ -163,7 +166,7 @@ SANE_Status SaneAcquisition::frame(SanePage& page, bool& last) {
     const bool one_colour =
         parameters.format >= SANE_FRAME_RED && parameters.format <= SANE_FRAME_BLUE;
     last = parameters.last_frame != SANE_FALSE || !one_colour;
-    page.begin_frame(parameters, sane_resolution(options_, parameters.pixels_per_line));
+    page.begin_frame(parameters, scale_.resolution(parameters.pixels_per_line));
     while (!control_.cancelled()) {
         SANE_Int got = 0;
         status = api_.read(handle_, buffer_.data(), static_cast<SANE_Int>(buffer_.size()), &got);

@@ -124,20 +124,26 @@ QByteArray glass_source(const QList<QByteArray>& sources) {
     return {};
 }
 
-SaneResolution sane_resolution(const SaneOptions& options, int pixels_per_line) {
-    const auto usable = [](std::optional<double> value) { return value.value_or(0) > 0; };
-    auto x = options.number(SANE_NAME_SCAN_X_RESOLUTION, SANE_UNIT_DPI);
-    auto y = options.number(SANE_NAME_SCAN_Y_RESOLUTION, SANE_UNIT_DPI);
-    const auto both = options.number(SANE_NAME_SCAN_RESOLUTION, SANE_UNIT_DPI);
-    if (!usable(x))
-        x = both;
-    if (!usable(y))
-        y = usable(both) ? both : x;
-    if (usable(x))
-        return {*x, *y};
+SaneScale sane_scale(const SaneOptions& options) {
+    const auto dpi = [&](const char* name) {
+        return qMax(0.0, options.number(name, SANE_UNIT_DPI).value_or(0));
+    };
+    const double both = dpi(SANE_NAME_SCAN_RESOLUTION);
+    const double x = dpi(SANE_NAME_SCAN_X_RESOLUTION);
+    const double y = dpi(SANE_NAME_SCAN_Y_RESOLUTION);
+    SaneScale scale;
+    scale.told.x = x > 0 ? x : both;
+    scale.told.y = y > 0 ? y : (both > 0 ? both : scale.told.x);
     const auto left = options.number(SANE_NAME_SCAN_TL_X, SANE_UNIT_MM);
     const auto right = options.number(SANE_NAME_SCAN_BR_X, SANE_UNIT_MM);
-    const double width = left && right ? *right - *left : 0;
+    if (left && right)
+        scale.width = qMax(0.0, *right - *left);
+    return scale;
+}
+
+SaneResolution SaneScale::resolution(int pixels_per_line) const {
+    if (told.x > 0)
+        return told;
     if (width <= 0 || pixels_per_line <= 0)
         return {kAssumedResolution, kAssumedResolution};
     const double measured = pixels_per_line / (width / kMillimetresAnInch);

@@ -43,13 +43,22 @@ QByteArray feeder_source(const QList<QByteArray>& sources, bool both_sides);
 /// Which of a device's sources is its glass; empty when it has none.
 QByteArray glass_source(const QList<QByteArray>& sources);
 
-/// Pixels an inch each way. A device that does not tell is measured by its scan area, and one
-/// that has no scan area either is taken for kAssumedResolution.
+/// Pixels an inch each way.
 struct SaneResolution {
     double x = 0;
     double y = 0;
 };
+
+/// What the options tell of a page's size. Many drivers refuse to be asked once a scan runs, so
+/// it is read before the start; the pixels of a line, which only the start tells, come later.
+struct SaneScale {
+    SaneResolution told; ///< 0 where the device does not tell
+    double width = 0;    ///< of the scan area in millimetres; 0 when there is none
+
+    /// What the device told, else what its scan area gives, else kAssumedResolution.
+    SaneResolution resolution(int pixels_per_line) const;
+};
 inline constexpr double kAssumedResolution = 300;
-SaneResolution sane_resolution(const SaneOptions& options, int pixels_per_line);
+SaneScale sane_scale(const SaneOptions& options);
 
 } // namespace folidex
