@@ -93,6 +93,7 @@ void report_instead_of_terminating() {
 namespace crash_filter {
 
 ExceptionRecord interrupted;
+volatile bool raising = false;
 
 bool a_trap_is_armed() noexcept {
     return Trap::innermost != nullptr;
@@ -121,6 +122,7 @@ std::int16_t filter_installed() noexcept {
 
 long vbcsExceptionFilter(const ExceptionPointers* exception) {
     const ExceptionRecord record = last_record(*exception->record);
+    crash_filter::raising = false;
     // A second exception during the unwinding for a first one would only be refused.
     if (std::uncaught_exceptions() > 0)
         report_armed_traps({exception_number(record.code), vbcsExceptionName(record.code)});

@@ -52,6 +52,8 @@ constexpr rlim_t kRoomToReport = 1024 * 1024;
 // Room for a library to finish its call, and how often it is granted.
 constexpr rlim_t kRoomToFinish = 64 * 1024;
 constexpr int kMostRoomsToFinish = 128;
+// A recursion that begins anew while it is being reported must come to an end.
+constexpr int kMostRoomsToReport = 64;
 
 constexpr std::uint32_t kFloatFlags = 0x3F;
 constexpr std::uint32_t kFloatMasks = 0x1F80;
@@ -61,12 +63,14 @@ constexpr std::uint16_t kX87Control = 0x037F;
 constexpr std::uint16_t kX87Flags = 0x80FF;
 constexpr greg_t kTrapFlag = 0x100;
 constexpr greg_t kDirectionFlag = 0x400;
+constexpr greg_t kAlignmentFlag = 0x40000;
 
 constexpr std::array kSignals = {SIGSEGV, SIGBUS, SIGILL, SIGTRAP, SIGFPE};
 
 pthread_t watched_thread;
 std::uintptr_t stack_top = 0;
 int rooms_to_finish = kMostRoomsToFinish;
+int rooms_to_report = kMostRoomsToReport;
 volatile std::sig_atomic_t handling = 0;
 
 /// The kernel counts a stack in pages.
@@ -167,7 +171,7 @@ void redirect(mcontext_t& machine, const SignalFault& fault) noexcept {
     words[1] = stack;
     machine.gregs[REG_RSP] = static_cast<greg_t>(frame);
     machine.gregs[REG_RIP] = reinterpret_cast<greg_t>(&folidex_fault_trampoline);
-    machine.gregs[REG_EFL] &= ~(kTrapFlag | kDirectionFlag);
+    machine.gregs[REG_EFL] &= ~(kTrapFlag | kDirectionFlag | kAlignmentFlag);
     machine.fpregs->mxcsr = (machine.fpregs->mxcsr | kFloatMasks) & ~kFloatFlags;
     machine.fpregs->cwd = kX87Control;
     machine.fpregs->swd &= static_cast<std::uint16_t>(~kX87Flags);
@@ -180,11 +184,6 @@ void leave_to_the_system(const SignalFault& fault) noexcept {
         std::raise(fault.signal);
 }
 
-bool is_ours(const SignalFault& fault) noexcept {
-    return from_the_processor(fault) && pthread_equal(pthread_self(), watched_thread) &&
-           a_trap_is_armed();
-}
-
 void convert(const SignalFault& fault, mcontext_t& machine) noexcept {
     const auto instruction = static_cast<std::uintptr_t>(machine.gregs[REG_RIP]);
     if (ran_out_of_stack(fault)) {
@@ -195,35 +194,41 @@ void convert(const SignalFault& fault, mcontext_t& machine) noexcept {
             --rooms_to_finish;
             return;
         }
-        make_stack_room_below(fault.stack_pointer, kRoomToReport);
+        if (rooms_to_report-- > 0)
+            make_stack_room_below(fault.stack_pointer, kRoomToReport);
     }
+    raising = true; // until the error is made: a fault on the way there would come back for ever
     interrupted = {};
     interrupted.code = exception_code(fault);
     interrupted.address = reinterpret_cast<const void*>(instruction);
     redirect(machine, fault);
 }
 
+/// The system leaves the check for alignment on in handlers, and no library is made for that.
+void allow_misaligned_access() noexcept {
+    __builtin_ia32_writeeflags_u64(__builtin_ia32_readeflags_u64() &
+                                   ~static_cast<unsigned long long>(kAlignmentFlag));
+}
+
 void handle(int signal, siginfo_t* info, void* context) {
-    const int saved_errno = errno;
-    mcontext_t& machine = static_cast<ucontext_t*>(context)->uc_mcontext;
-    if (handling) {
-        // The handler itself failed, as with a stack pointer that points nowhere.
-        std::signal(signal, SIG_DFL);
-        return;
-    }
-    // Only the watched thread may be in here twice.
-    if (!pthread_equal(pthread_self(), watched_thread)) {
+    allow_misaligned_access();
+    // Only the watched thread can be in here twice at a time, when the handler itself failed, as
+    // with a stack pointer that points nowhere.
+    const bool watched = pthread_equal(pthread_self(), watched_thread) != 0;
+    if (!watched || handling) {
         leave_to_the_system({signal, info->si_code});
         return;
     }
     handling = 1;
+    const int saved_errno = errno;
+    mcontext_t& machine = static_cast<ucontext_t*>(context)->uc_mcontext;
     const SignalFault fault = describe(signal, *info, machine);
-    if (is_ours(fault))
+    if (from_the_processor(fault) && a_trap_is_armed() && !raising)
         convert(fault, machine);
     else
         leave_to_the_system(fault);
-    handling = 0;
     errno = saved_errno;
+    handling = 0;
 }
 
 /// Where the main thread's stack begins; 0 for the other threads, whose stacks do not grow.

@@ -20,6 +20,8 @@ void recover_from(std::uint32_t code) noexcept;
 bool a_trap_is_armed() noexcept;
 
 extern ExceptionRecord interrupted;
+/// True between a fault and its error.
+extern volatile bool raising;
 
 extern "C" [[noreturn]] void folidex_raise_fault();
 

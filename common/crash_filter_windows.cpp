@@ -81,8 +81,9 @@ void redirect(CONTEXT& machine) noexcept {
 LONG CALLBACK handle(EXCEPTION_POINTERS* exception) {
     const auto* record = reinterpret_cast<const ExceptionRecord*>(exception->ExceptionRecord);
     if (is_language_exception(record->code) || GetCurrentThreadId() != watched_thread ||
-        !a_trap_is_armed())
+        !a_trap_is_armed() || raising)
         return EXCEPTION_CONTINUE_SEARCH;
+    raising = true; // until the error is made: a fault on the way there would come back for ever
     interrupted = last_record(*record);
     redirect(*exception->ContextRecord);
     // Asking the system to continue would fail for faults that it calls non-continuable.

@@ -62,6 +62,8 @@ Error passed_on() {
 }
 
 Error current_error() {
+    if (!std::current_exception()) // std::terminate() needs none
+        return {kInternalError, QStringLiteral("Internal error")};
     try {
         throw;
     } catch (const Error& error) {
