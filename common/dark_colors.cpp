@@ -11,7 +11,7 @@ namespace {
 
 // White becomes this, not black, as dark desktops have it.
 constexpr int kDarkestGround = 42;
-constexpr int kDarkestText = 175;
+constexpr int kDarkestText = 200;
 
 QColor with_lightness(const QColor& color, int lightness, int most_saturation) {
     return QColor::fromHsl(color.hslHue(), std::min(color.hslSaturation(), most_saturation),

@@ -5,6 +5,7 @@
 #include "common/dark_colors.h"
 #include "common/drop_menu.h"
 #include "common/error_trap.h"
+#include "common/one_line.h"
 
 #include <QPainter>
 #include <QProxyStyle>
@@ -25,11 +26,6 @@ constexpr int kSeparatorHeight = 7;
 constexpr int kClippedWidth = 280;
 constexpr double kSubTextScale = 0.9;
 constexpr double kDisabledStrength = 0.5;
-
-QString one_line(const QString& text) {
-    // No screen is wider than this many letters; laying out more would only cost time.
-    return text.left(1024).simplified();
-}
 
 } // namespace
 

@@ -68,6 +68,7 @@ void Grid::connect_header() {
     QHeaderView* header = horizontalHeader();
     header->setSectionsClickable(true);
     header->setHighlightSections(false);
+    header->setStretchLastSection(true);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     on(header, &QHeaderView::sectionPressed, this, [this](int section) {
         set_row(kHeaderRow);

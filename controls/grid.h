@@ -15,7 +15,8 @@ class GridModel;
 /// the header as row 0 when the grid has one (fixed_rows 1), so that data begins at row 1; a
 /// click on the header makes row 0 the current one. It shows its own model or any other table
 /// model; the members that change rows work on the grid's own model only and do nothing while
-/// another is shown. A cell that does not exist reads as empty. Texts are shown on one line.
+/// another is shown. A cell that does not exist reads as empty. Texts are shown on one line;
+/// the last visible column takes the width that is left.
 /// A picture in column 0 is a mark to click on: it reacts to the pointer, and Delete on its
 /// row does what a click on it does.
 class Grid : public QTableView {

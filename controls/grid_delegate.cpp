@@ -4,6 +4,7 @@
 #include "controls/grid_delegate.h"
 
 #include "common/dark_colors.h"
+#include "common/one_line.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -12,26 +13,23 @@ namespace folidex {
 
 namespace {
 
-// No column is wider than this many letters; laying out more would only cost time.
-constexpr qsizetype kMostLetters = 1024;
 constexpr int kMarkPadding = 3;
 constexpr float kMarkShade = 0.16F;
 
 } // namespace
 
 QString GridDelegate::displayText(const QVariant& value, const QLocale& locale) const {
-    QString text = QStyledItemDelegate::displayText(value, locale).left(kMostLetters);
-    for (QChar& c : text)
-        if (c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
-            c == QChar::ParagraphSeparator)
-            c = u' ';
-    return text;
+    return one_line(QStyledItemDelegate::displayText(value, locale));
 }
 
 void GridDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
-    if (option->backgroundBrush.style() == Qt::SolidPattern)
-        option->backgroundBrush = ground_color(option->backgroundBrush.color(), option->palette);
+    const QBrush given = option->backgroundBrush;
+    // White is the ground of every light list; its counterpart is that of the dark one.
+    if (given.style() == Qt::SolidPattern && is_dark(option->palette))
+        option->backgroundBrush = given.color() == QColor(Qt::white)
+                                      ? QBrush()
+                                      : QBrush(ground_color(given.color(), option->palette));
     // The whole row is current; a frame around one cell of it would say otherwise.
     option->state &= ~QStyle::State_HasFocus;
 }
