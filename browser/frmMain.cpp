@@ -5,11 +5,9 @@
 
 #include "app/preferences.h"
 #include "app/process_values.h"
-#include "browser/cell_delegates.h"
 #include "browser/empty_note.h"
 #include "browser/results_model.h"
 #include "browser/status_line.h"
-#include "common/day_number.h"
 #include "common/drop_menu.h"
 #include "common/error_trap.h"
 #include "common/paths.h"
@@ -81,9 +79,6 @@ void set_width(QWidget* widget, double twips) {
 
 void flatten(Grid* grid) {
     grid->setFrameShape(QFrame::NoFrame);
-    grid->setShowGrid(false);
-    grid->setTabKeyNavigation(false);
-    grid->setItemDelegate(new OneLineDelegate(grid));
 }
 
 template <class Widget> Widget* named(Widget* widget, const char* name, const QString& spoken) {
@@ -95,7 +90,8 @@ template <class Widget> Widget* named(Widget* widget, const char* name, const QS
 } // namespace
 
 frmMain::frmMain(MainRoads roads, QWidget* parent)
-    : QWidget(parent), roads_(std::move(roads)), results_(new ResultsModel(this)) {
+    : QWidget(parent), roads_(std::move(roads)),
+      results_(new ResultsModel(short_date_format(), this)) {
     setObjectName(QStringLiteral("frmMain"));
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(ProductTitle);
@@ -187,8 +183,6 @@ void frmMain::make_results() {
     for (int column : {ResultsModel::kFileName, ResultsModel::kLocation, ResultsModel::kLink})
         fgR->setColumnHidden(column, true);
     fgR->horizontalHeader()->setStretchLastSection(true);
-    fgR->horizontalHeader()->setHighlightSections(false);
-    fgR->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     no_documents_ = new EmptyNote(fgR);
     hint_ = named(new QLabel(frR), "lblHint", QString());
     hint_->setForegroundRole(QPalette::PlaceholderText);
@@ -203,10 +197,6 @@ void frmMain::connect_controls() {
     on(dtFrom, &DatePicker::change, this, [this] { dtFrom_Change(); });
     on(dtTo, &DatePicker::change, this, [this] { dtTo_Change(); });
     on(fgL, &Grid::click, this, [this] { fgL_Click(); });
-    on(fgL, &Grid::key_down, this, [this](int key_code) {
-        if (key_code == Qt::Key_Delete)
-            remove_chosen_tag(fgL->row());
-    });
     on(Label1, &QPushButton::clicked, this, [this] { Label1_Click(); });
     on(fgR, &Grid::after_row_col_change, this, [this] { fgR_AfterRowColChange(); });
     on(fgR, &Grid::dbl_click, this, [this] { fgR_DblClick(); });
@@ -223,8 +213,6 @@ void frmMain::Form_Load() {
         fgL->setColumnHidden(2, true);
         fgL->setColumnWidth(0, kMarkWidth);
         fgL->horizontalHeader()->setStretchLastSection(true);
-        fgL->setItemDelegateForColumn(0, new RemoveMarkDelegate(fgL));
-        fgL->setMouseTracking(true);
         results_->set_rows({});
         dress_controls();
         save_localXML();
@@ -252,8 +240,9 @@ void frmMain::place_controls() {
     frR->move(frL->geometry().right() + 1 + kFrameGap, kFrameTop);
     fgR->move(kResultsInset, top);
     const QDate widest(2088, 12, 28);
-    fgR->setColumnWidth(0, fgR->fontMetrics().horizontalAdvance(short_date(day_number(widest))) +
-                               4 * fgR->fontMetrics().averageCharWidth());
+    fgR->setColumnWidth(0,
+                        fgR->fontMetrics().horizontalAdvance(widest.toString(short_date_format())) +
+                            4 * fgR->fontMetrics().averageCharWidth());
     const int rows = 4 * fgL->verticalHeader()->defaultSectionSize();
     setMinimumSize(qMin(qMax(kSmallest.width(), TB1->sizeHint().width() + 2 * kMargin),
                         screen()->availableSize().width()),

@@ -117,7 +117,6 @@ private:
     void show_status();
 
     void add_chosen_tag(const QString& description, const QString& link);
-    void remove_chosen_tag(int row);
     void mark_chosen_tags();
     void clear_highlight();
     QStringList chosen_links() const;

@@ -19,12 +19,12 @@ QString number_text(double number) {
 
 } // namespace
 
-QString short_date(const QVariant& stored) {
+QString short_date(const QVariant& stored, const QString& format) {
     if (stored.isNull() || stored.typeId() == QMetaType::QString)
         return stored.toString();
     const double number = stored.toDouble();
     if (const auto moment = from_day_number(number))
-        return QLocale::system().toString(moment->date(), QLocale::ShortFormat);
+        return QLocale::system().toString(moment->date(), format);
     return number_text(number);
 }
 
@@ -61,6 +61,9 @@ QVariant ResultRows::date(int row) const {
     return stored.dated ? QVariant(stored.date) : QVariant(text(row, ResultsModel::kDate));
 }
 
+ResultsModel::ResultsModel(QString date_format, QObject* parent)
+    : QAbstractTableModel(parent), date_format_(std::move(date_format)) {}
+
 void ResultsModel::set_rows(ResultRows rows) {
     beginResetModel();
     rows_ = std::move(rows);
@@ -86,7 +89,7 @@ QVariant ResultsModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid())
         return {};
     if (role == Qt::DisplayRole && index.column() == kDate)
-        return short_date(rows_.date(index.row()));
+        return short_date(rows_.date(index.row()), date_format_);
     if (role == Qt::DisplayRole || role == Qt::EditRole)
         return rows_.text(index.row(), index.column());
     return {};

@@ -10,9 +10,9 @@
 
 namespace folidex {
 
-/// A stored date as the results show it: the system's short format; a number that is no date
-/// as a number, a text as it stands.
-QString short_date(const QVariant& stored);
+/// A stored date as the results show it: in a date format; a number that is no date as a number,
+/// a text as it stands.
+QString short_date(const QVariant& stored, const QString& format);
 
 /// The documents found by one query, packed: one text buffer for all of them, so that a hundred
 /// thousand take megabytes, not an object for each cell.
@@ -47,7 +47,7 @@ class ResultsModel : public QAbstractTableModel {
 public:
     enum Column { kDate, kDescription, kFileName, kLocation, kLink, kColumns };
 
-    using QAbstractTableModel::QAbstractTableModel;
+    explicit ResultsModel(QString date_format, QObject* parent = nullptr);
 
     /// Replaces all rows at once.
     void set_rows(ResultRows rows);
@@ -61,6 +61,7 @@ public:
                         int role = Qt::DisplayRole) const override;
 
 private:
+    QString date_format_;
     ResultRows rows_;
 };
 

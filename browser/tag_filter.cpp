@@ -107,9 +107,7 @@ void frmMain::color_tags() {
 }
 
 QColor frmMain::tag_color(bool carried) const {
-    const QColor ground = fgL->palette().color(QPalette::Base);
-    if (ground.lightness() < 128)
-        return carried ? QColor(64, 68, 104) : ground;
+    // The grid turns both for a dark palette.
     return carried ? QColor(240, 240, 250) : QColor(255, 255, 255);
 }
 
@@ -189,17 +187,13 @@ void frmMain::cmbTags_KeyDown(int key_code) {
 
 void frmMain::fgL_Click() {
     trapped("frmMain", "fgL_Click", [&] {
-        if (fgL->mouse_column() == 0)
-            remove_chosen_tag(fgL->mouse_row());
+        const int row = fgL->mouse_row();
+        if (fgL->mouse_column() != 0 || row < 0 || row >= fgL->rows())
+            return;
+        fgL->remove_row(row);
+        cmbTags->setFocus();
+        fill_me();
     });
-}
-
-void frmMain::remove_chosen_tag(int row) {
-    if (row < 0 || row >= fgL->rows())
-        return;
-    fgL->remove_row(row);
-    cmbTags->setFocus();
-    fill_me();
 }
 
 void frmMain::chkDates_Click() {
