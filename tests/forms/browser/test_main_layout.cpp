@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "app/preferences.h"
+#include "app/process_values.h"
 #include "common/drop_menu.h"
 #include "controls/date_picker.h"
 #include "controls/grid.h"
