@@ -168,7 +168,7 @@ void ScanProgress::release() {
 }
 
 bool ScanProgress::wanted(const ScanControl::State& state) const {
-    return state.trouble || (show_after_ != kNever && since_start_.hasExpired(show_after_ - 1));
+    return state.trouble || (show_after_ != kNever && since_start_.elapsed() >= show_after_);
 }
 
 void ScanProgress::follow() {
