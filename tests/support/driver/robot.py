@@ -23,7 +23,7 @@ BOX = ("alert message", "alert", "dialog")
 
 
 def _same(name, wanted):
-    return name.rstrip(":").strip().casefold() == wanted.replace("&", "").strip().casefold()
+    return name.rstrip(":").strip().casefold() == wanted.casefold()
 
 
 class Robot:

@@ -2,6 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """The widget tree as the accessibility bus tells it, read afresh at every question."""
 
+import re
+
 import gi
 
 gi.require_version("Gio", "2.0")
@@ -121,8 +123,8 @@ class Node:
 
     @property
     def name(self):
-        # A mnemonic's mark and a shortcut's hint are no part of a name.
-        return self._property("Accessible", "Name").replace("&", "").strip()
+        # A mnemonic's mark is no part of a name.
+        return re.sub(r"&(\S)", r"\1", self._property("Accessible", "Name")).strip()
 
     @property
     def role(self):
