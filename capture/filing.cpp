@@ -40,6 +40,18 @@ QString tagged_rows_of(int link) {
     return u"Select * from tagged where scan = "_s + QString::number(link);
 }
 
+// Another station may create the month's folder in between.
+void have_folder(const QString& folder) {
+    if (folder_exists(folder))
+        return;
+    try {
+        create_folder_at(folder);
+    } catch (const Error&) {
+        if (!folder_exists(folder))
+            throw;
+    }
+}
+
 } // namespace
 
 QString filing_location(const QDate& document_date) {
@@ -127,8 +139,7 @@ void frmScanNew::file_new_document() {
     document.file_name = filing_name(wall_clock(), document.link);
     document.location = filing_location(dt->date());
     const QString folder = join_path(DataFolder, u"scanned_files"_s, document.location);
-    if (!folder_exists(folder))
-        create_folder_at(folder);
+    have_folder(folder);
     database().execute(insert_document_statement(document));
     for (const QString& tag : assigned_tags())
         database().execute(insert_tagged_statement(document.link, tag));
