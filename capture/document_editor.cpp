@@ -188,24 +188,10 @@ void frmScanNew::fg1_Click() {
     trapped("frmScanNew", "fg1_Click", [this] {
         if (fg1->rows() >= 1 && fg1->row() >= 0 && fg1->mouse_row() >= 0 &&
             fg1->mouse_column() == 0)
-            remove_tag_row(fg1->row());
+            fg1->remove_row(fg1->row());
+        show_tag_hint();
         cmbTags->setFocus();
     });
-}
-
-void frmScanNew::fg1_KeyDown(int key_code) {
-    trapped("frmScanNew", "fg1_KeyDown", [&] {
-        if (key_code != Qt::Key_Delete || fg1->row() < 0 || fg1->row() >= fg1->rows())
-            return;
-        remove_tag_row(fg1->row());
-        if (fg1->rows() == 0)
-            cmbTags->setFocus();
-    });
-}
-
-void frmScanNew::remove_tag_row(int row) {
-    fg1->remove_row(row);
-    show_tag_hint();
 }
 
 void frmScanNew::show_tag_hint() {

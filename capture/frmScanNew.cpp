@@ -96,7 +96,6 @@ void frmScanNew::dress_controls() {
     fg1->setColumnWidth(0, kRemovePicture + 12);
     fg1->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Fixed);
     fg1->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
-    fg1->setTabKeyNavigation(false);
     fg1->setMinimumHeight(fontMetrics().lineSpacing() * 8);
     lblTagHint->setAlignment(Qt::AlignCenter);
     lblTagHint->setWordWrap(true);
@@ -125,7 +124,6 @@ void frmScanNew::connect_controls() {
     on(cmbTags, &TagCombo::key_down, this, [this](int key_code) { cmbTags_KeyDown(key_code); });
     on(cmdAdd, &QPushButton::clicked, this, [this] { cmdAdd_Click(); });
     on(fg1, &Grid::click, this, [this] { fg1_Click(); });
-    on(fg1, &Grid::key_down, this, [this](int key_code) { fg1_KeyDown(key_code); });
     on(cmdScan, &QPushButton::clicked, this, [this] { cmdScan_Click(); });
     on(cmdView, &QPushButton::clicked, this, [this] { cmdView_Click(); });
     on(cmdSave, &QPushButton::clicked, this, [this] { cmdSave_Click(); });

@@ -68,8 +68,6 @@ private:
     void add_tag_row(const QString& description, const QString& link);
     void cmbTags_KeyDown(int key_code);
     void fg1_Click();
-    void fg1_KeyDown(int key_code);
-    void remove_tag_row(int row);
     void show_tag_hint();
     void dt_Change();
     void txtDescription_Change();
