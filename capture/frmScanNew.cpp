@@ -30,8 +30,8 @@ namespace folidex {
 
 namespace {
 
-/// Longer than any description that a station could have stored.
-constexpr int kLongestDescription = 1 << 30;
+/// Longer than any text that a station could have stored.
+constexpr int kLongestText = 1 << 30;
 constexpr int kRemovePicture = 16;
 constexpr int kTimerInterval = 100;
 
@@ -86,7 +86,8 @@ void frmScanNew::take_controls(const Ui::frmScanNew& layout) {
 
 void frmScanNew::dress_controls() {
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-    txtDescription->setMaxLength(kLongestDescription);
+    txtDescription->setMaxLength(kLongestText);
+    cmbTags->lineEdit()->setMaxLength(kLongestText);
     txtDescription->setMinimumWidth(fontMetrics().averageCharWidth() * 56);
 
     Picture1->setPixmap(icon(u"remove"_s).pixmap(QSize(kRemovePicture, kRemovePicture),
@@ -106,6 +107,9 @@ void frmScanNew::dress_controls() {
 
     cmdScan->setIcon(icon(u"scan"_s));
     cmdView->setIcon(icon(u"view"_s));
+    // The longer of its two captions, so that nothing moves when a document arrives.
+    lblScan->setText(u"Re-Scan"_s);
+    lblScan->setMinimumWidth(lblScan->sizeHint().width());
     lblPagesState->setMinimumHeight(fontMetrics().lineSpacing() * 3);
     cmdSave->setShortcut(QKeySequence::Save);
     cmdHelp->setShortcut(QKeySequence::HelpContents);

@@ -6,6 +6,8 @@
 #include "app/process_values.h"
 #include "common/drop_menu.h"
 #include "controls/active_link.h"
+#include "platform/safe_file.h"
+#include "platform/shell.h"
 
 #include <QDir>
 #include <QSignalSpy>
@@ -48,6 +50,14 @@ frmScanNew& CaptureDesk::open(int link) {
     if (!QTest::qWaitFor([timer] { return !timer->isActive(); }))
         qWarning("the document was not loaded");
     return *form;
+}
+
+QString CaptureDesk::focus_name() const {
+    // Inner parts of a control, such as the combo's field, count as the control.
+    const QWidget* widget = form->focusWidget();
+    while (widget && (widget->objectName().isEmpty() || widget->objectName().startsWith(u"qt_"_s)))
+        widget = widget->parentWidget();
+    return widget ? widget->objectName() : QString();
 }
 
 void CaptureDesk::click(const char* button) const {
@@ -142,8 +152,10 @@ QStringList CaptureDesk::files(const QString& location) const {
         .entryList(QDir::Files | QDir::Hidden, QDir::Name);
 }
 
-QString CaptureDesk::last_words() const {
-    return boxes.shown().isEmpty() ? QString() : boxes.shown().last().prompt;
+void CaptureDesk::have_help_page() const {
+    const QDir program(program_folder());
+    program.mkpath(u"site/help"_s);
+    write_file(program.filePath(u"site/help/index.html"_s), "help");
 }
 
 QString content_of(const QString& path) {

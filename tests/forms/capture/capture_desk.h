@@ -52,6 +52,12 @@ public:
     Grid* assigned() const { return control<Grid>("fg1"); }
     DatePicker* date() const { return control<DatePicker>("dt"); }
 
+    /// The named control that the focus is in, "" when there is none; also while the form is
+    /// not the active window.
+    QString focus_name() const;
+    bool has_focus(const char* control) const {
+        return focus_name() == QString::fromLatin1(control);
+    }
     void click(const char* button) const;
     /// Types a description over what is there.
     void describe(const QString& text) const;
@@ -77,8 +83,8 @@ public:
     QString filed(const QString& location, const QString& name) const;
     void put_file(const QString& location, const QString& name, const QByteArray& content) const;
     QStringList files(const QString& location) const;
-    /// What the last report said happened.
-    QString last_words() const;
+    /// Puts a help page where the program looks for it.
+    void have_help_page() const;
 
 private:
     std::function<void(const Error&)> end_program_before_;

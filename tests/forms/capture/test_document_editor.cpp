@@ -30,16 +30,15 @@ class TestDocumentEditor : public QObject {
     QStringList tag_names() const {
         return desk_->station.rows(u"Select description from tags order by link"_s);
     }
-    bool tags_have_focus() const {
-        return desk_->tags()->hasFocus() || desk_->tags()->lineEdit()->hasFocus();
-    }
 
 private Q_SLOTS:
     void init() { desk_ = std::make_unique<CaptureDesk>(); }
     void cleanup() {
-        QVERIFY(desk_->boxes.verify());
-        QCOMPARE(desk_->ended, QList<int>());
+        const bool as_planned = desk_->boxes.verify();
+        const QList<int> ended = desk_->ended;
         desk_.reset();
+        QVERIFY(as_planned);
+        QCOMPARE(ended, QList<int>());
     }
 
     void a_new_document_opens_empty_with_the_date_of_today() {
@@ -48,7 +47,7 @@ private Q_SLOTS:
         QCOMPARE(desk_->form->windowTitle(), u"New Scan"_s);
         QCOMPARE(desk_->date()->value(), kOctober12);
         QCOMPARE(desk_->description()->text(), QString());
-        QVERIFY(desk_->description()->hasFocus());
+        QVERIFY(desk_->has_focus("txtDescription"));
         QCOMPARE(desk_->assigned_tags(), QStringList());
         QCOMPARE(desk_->tags()->item_count(), 1);
         QCOMPARE(desk_->tags()->entered_text(), QString());
@@ -179,7 +178,7 @@ private Q_SLOTS:
         QVERIFY(desk_->form->isVisible());
         QCOMPARE(desk_->assigned()->rows(), 1);
         QCOMPARE(desk_->tags()->entered_text(), QString());
-        QVERIFY(tags_have_focus());
+        QVERIFY(desk_->has_focus("cmbTags"));
         QCOMPARE(desk_->station.rows(u"Select link from scans"_s), QStringList());
     }
 
@@ -191,7 +190,7 @@ private Q_SLOTS:
         desk_->tags()->set_list_index(1);
         desk_->click("cmdAdd");
         QCOMPARE(desk_->assigned_tags(), QStringList(u"Letters=%1"_s.arg(letters)));
-        QVERIFY(tags_have_focus());
+        QVERIFY(desk_->has_focus("cmbTags"));
     }
 
     void a_typed_tag_is_found_without_regard_to_case() {
@@ -212,7 +211,7 @@ private Q_SLOTS:
         QCOMPARE(desk_->assigned()->rows(), 3);
         QCOMPARE(desk_->assigned()->row(), 1);
         QCOMPARE(desk_->tags()->entered_text(), QString());
-        QVERIFY(tags_have_focus());
+        QVERIFY(desk_->has_focus("cmbTags"));
     }
 
     void nothing_entered_is_no_tag() {
@@ -220,7 +219,7 @@ private Q_SLOTS:
         desk_->description()->setFocus();
         desk_->boxes.expect(kNoTagEntered, kInformationIcon, u"Error"_s);
         desk_->click("cmdAdd");
-        QVERIFY(tags_have_focus());
+        QVERIFY(desk_->has_focus("cmbTags"));
         QCOMPARE(desk_->assigned_tags(), QStringList());
         QCOMPARE(tag_names(), QStringList());
     }
@@ -252,12 +251,12 @@ private Q_SLOTS:
             desk_->add_tag(name);
         desk_->click_cell(1, 1);
         QCOMPARE(desk_->assigned()->rows(), 3);
-        QVERIFY(tags_have_focus());
+        QVERIFY(desk_->has_focus("cmbTags"));
         desk_->click_cell(1, 0);
         QCOMPARE(desk_->assigned()->rows(), 2);
         QCOMPARE(desk_->assigned()->text(0, 1), u"A"_s);
         QCOMPARE(desk_->assigned()->text(1, 1), u"C"_s);
-        QVERIFY(tags_have_focus());
+        QVERIFY(desk_->has_focus("cmbTags"));
     }
 
     void a_click_beside_the_rows_removes_none() {
@@ -281,7 +280,7 @@ private Q_SLOTS:
         desk_->assigned()->set_row(0);
         QTest::keyClick(desk_->assigned(), Qt::Key_Delete);
         QCOMPARE(desk_->assigned()->rows(), 0);
-        QVERIFY(tags_have_focus());
+        QVERIFY(desk_->has_focus("cmbTags"));
     }
 
     void every_row_carries_the_remove_picture() {

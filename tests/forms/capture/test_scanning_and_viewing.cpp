@@ -22,9 +22,11 @@ class TestScanningAndViewing : public QObject {
 private Q_SLOTS:
     void init() { desk_ = std::make_unique<CaptureDesk>(); }
     void cleanup() {
-        QVERIFY(desk_->boxes.verify());
-        QCOMPARE(desk_->ended, QList<int>());
+        const bool as_planned = desk_->boxes.verify();
+        const QList<int> ended = desk_->ended;
         desk_.reset();
+        QVERIFY(as_planned);
+        QCOMPARE(ended, QList<int>());
     }
 
     void without_a_scanner_the_button_is_disabled() {
@@ -206,6 +208,7 @@ private Q_SLOTS:
     }
 
     void help_opens_the_help_page() {
+        desk_->have_help_page();
         desk_->open();
         desk_->click("cmdHelp");
         QCOMPARE(desk_->opened, QStringList(site_page(u"/help/index.html"_s)));
