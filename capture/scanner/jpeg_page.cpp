@@ -4,8 +4,6 @@
 #include "capture/scanner/page_encoder.h"
 #include "common/error.h"
 
-#include <optional>
-
 namespace folidex {
 namespace {
 
@@ -31,8 +29,8 @@ public:
     int components = 0;
     int width = 0;
     int height = 0;
-    std::optional<double> x_resolution;
-    std::optional<double> y_resolution;
+    double x_resolution = 0; ///< 0 when it does not say
+    double y_resolution = 0;
 
 private:
     int byte(qsizetype at) const {
@@ -129,7 +127,6 @@ void JpegReader::read() {
         const int length = word(at_);
         if (length < 2)
             refuse(QStringLiteral("a segment at byte %1 has no length.").arg(at_));
-        byte(at_ + length - 1);
         read_segment(marker, at_ + 2, length - 2);
         at_ += length;
         if (marker != kStartOfScan)
@@ -153,8 +150,8 @@ EncodedPage jpeg_page(const QByteArray& jpeg, double x_resolution, double y_reso
     page.type = reader.components == 1 ? PixelType::kGray : PixelType::kRgb;
     page.width = reader.width;
     page.height = reader.height;
-    page.x_resolution = x_resolution == 0 ? reader.x_resolution.value_or(0) : x_resolution;
-    page.y_resolution = y_resolution == 0 ? reader.y_resolution.value_or(0) : y_resolution;
+    page.x_resolution = x_resolution == 0 ? reader.x_resolution : x_resolution;
+    page.y_resolution = y_resolution == 0 ? reader.y_resolution : y_resolution;
     if (!is_resolution(page.x_resolution) || !is_resolution(page.y_resolution))
         refuse(QStringLiteral("its resolution is %1 by %2 pixels an inch.")
                    .arg(page.x_resolution)

@@ -85,8 +85,10 @@ QStringList extract_pictures(const QString& pdf, const QString& folder,
                              const QStringList& options) {
     QDir().mkpath(folder);
     const Said said = run(QStringLiteral("pdfimages"), options + QStringList{pdf, folder + u'/'});
-    if (said.exit_code != 0 || !said.text.isEmpty())
-        qFatal("pdfimages: %s", qPrintable(said.text));
+    if (said.exit_code != 0 || !said.text.isEmpty()) {
+        qWarning("pdfimages: %s", qPrintable(said.text));
+        return {};
+    }
     QStringList files;
     for (const QString& name : QDir(folder).entryList(QDir::Files, QDir::Name))
         files.append(folder + u'/' + name);

@@ -38,7 +38,8 @@ struct Said {
 Said run(const QString& program, const QStringList& arguments);
 /// What qpdf found wrong with a file; empty when it is in order.
 QString complaints(const QString& pdf);
-/// The pictures in a PDF, in the order of its pages, as files of a folder.
+/// The pictures in a PDF, in the order of its pages, as files of a folder;
+/// none when the tool had anything to complain of.
 QStringList extract_pictures(const QString& pdf, const QString& folder,
                              const QStringList& options = {});
 
