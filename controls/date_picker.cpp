@@ -7,9 +7,12 @@
 #include "common/error_trap.h"
 
 #include <QCalendarWidget>
+#include <QKeyEvent>
 #include <QLayout>
 #include <QLocale>
+#include <QMouseEvent>
 #include <QPushButton>
+#include <QStyleOptionComboBox>
 #include <QWheelEvent>
 #include <cmath>
 
@@ -80,6 +83,29 @@ void DatePicker::set_value(double day_number) {
     value_ = changed;
     setDate(from_day_number(changed)->date());
     Q_EMIT change();
+}
+
+// The base opens its calendar for the pointer only.
+void DatePicker::open_calendar() {
+    QStyleOptionComboBox option;
+    option.initFrom(this);
+    option.editable = true;
+    option.subControls = QStyle::SC_All;
+    const QPointF arrow = style()
+                              ->subControlRect(QStyle::CC_ComboBox, &option,
+                                               QStyle::SC_ComboBoxArrow, this)
+                              .center();
+    QMouseEvent press(QEvent::MouseButtonPress, arrow, mapToGlobal(arrow), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    mousePressEvent(&press);
+}
+
+void DatePicker::keyPressEvent(QKeyEvent* event) {
+    const bool alt_down = event->key() == Qt::Key_Down && event->modifiers() == Qt::AltModifier;
+    if (alt_down || event->key() == Qt::Key_F4)
+        open_calendar();
+    else
+        QDateTimeEdit::keyPressEvent(event);
 }
 
 void DatePicker::wheelEvent(QWheelEvent* event) {

@@ -13,6 +13,7 @@ QString short_date_format();
 
 /// A date picker with a calendar, in the system's short format. Its value is a day number
 /// (common/day_number.h); a time of day that was set is kept though only the date is shown.
+/// F4 and Alt+Down open the calendar.
 class DatePicker : public QDateTimeEdit {
     Q_OBJECT
 
@@ -29,10 +30,12 @@ Q_SIGNALS:
     void change();
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 
 private:
     void add_today_button();
+    void open_calendar();
 
     double value_ = 0;
 };

@@ -1,0 +1,318 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "controls/tag_combo.h"
+
+#include "common/error_trap.h"
+
+#include <QCompleter>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QListView>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QVBoxLayout>
+
+using namespace folidex;
+using namespace Qt::StringLiterals;
+
+class TagComboTest : public QObject {
+    Q_OBJECT
+
+private:
+    static void fill(TagCombo& combo) {
+        combo.set_column_format(u"0;2700;<;Description|1;0;>;Code"_s);
+        combo.set_prompt(u"Enter or Select"_s);
+        combo.set_items({{u"Bank"_s, u"3"_s},
+                         {u"Car"_s, u"17"_s},
+                         {u"Car insurance"_s, u"21"_s},
+                         {u"House"_s, u"40"_s},
+                         {u"House"_s, u"41"_s},
+                         {u"\u00C4rzte"_s, u"52"_s}});
+    }
+
+    static void show(QWidget& widget) {
+        widget.show();
+        widget.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&widget));
+    }
+
+    /// Types letters that no single key of a plain keyboard has, too.
+    static void type(QWidget* field, const QString& text) {
+        for (const QChar c : text)
+            QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QString(c),
+                                Qt::NoModifier);
+    }
+
+    static QAbstractItemView* completions(const TagCombo& combo) {
+        return combo.completer()->popup();
+    }
+
+private Q_SLOTS:
+    void a_filled_combo_has_no_text_but_its_prompt() {
+        TagCombo combo;
+        fill(combo);
+        QCOMPARE(combo.entered_text(), QString());
+        QCOMPARE(combo.list_index(), -1);
+        QCOMPARE(combo.lineEdit()->placeholderText(), u"Enter or Select"_s);
+        QCOMPARE(combo.item_count(), 6);
+        QCOMPARE(combo.item(1).code, u"17"_s);
+        QVERIFY(combo.sizeHint().width() >= 180);
+    }
+
+    void an_empty_list_is_no_trouble() {
+        TagCombo combo;
+        fill(combo);
+        combo.clear_items();
+        QCOMPARE(combo.item_count(), 0);
+        combo.set_entered_text(u"Car"_s);
+        QCOMPARE(combo.list_index(), -1);
+        show(combo);
+        combo.showPopup();
+        combo.hidePopup();
+        QTest::keyClick(&combo, Qt::Key_Down);
+        QCOMPARE(combo.entered_text(), u"Car"_s);
+        QVERIFY_THROWS_EXCEPTION(Error, combo.item(0));
+    }
+
+    void a_text_equal_to_an_item_is_that_item_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("index");
+        QTest::newRow("same") << u"Car"_s << 1;
+        QTest::newRow("other case") << u"cAR"_s << 1;
+        QTest::newRow("other case beyond ASCII") << u"\u00E4RZTE"_s << 5;
+        QTest::newRow("first of two") << u"House"_s << 3;
+        QTest::newRow("beginning") << u"Ca"_s << -1;
+        QTest::newRow("blank behind") << u"Car "_s << -1;
+        QTest::newRow("nothing") << QString() << -1;
+        QTest::newRow("new") << u"Taxes"_s << -1;
+    }
+    void a_text_equal_to_an_item_is_that_item() {
+        QFETCH(QString, text);
+        QFETCH(int, index);
+        TagCombo combo;
+        fill(combo);
+        combo.set_entered_text(text);
+        QCOMPARE(combo.entered_text(), text);
+        QCOMPARE(combo.list_index(), index);
+        combo.set_entered_text({});
+        show(combo);
+        type(combo.lineEdit(), text);
+        QCOMPARE(combo.entered_text(), text);
+        QCOMPARE(combo.list_index(), index);
+    }
+
+    void two_items_with_one_description_can_both_be_chosen() {
+        TagCombo combo;
+        fill(combo);
+        combo.set_list_index(4);
+        QCOMPARE(combo.entered_text(), u"House"_s);
+        QCOMPARE(combo.list_index(), 4);
+        combo.set_list_index(3);
+        QCOMPARE(combo.list_index(), 3);
+        show(combo);
+        combo.set_entered_text({});
+        combo.showPopup();
+        combo.view()->setCurrentIndex(combo.model()->index(4, 0));
+        QTest::keyClick(combo.view(), Qt::Key_Return);
+        QCOMPARE(combo.entered_text(), u"House"_s);
+        QCOMPARE(combo.list_index(), 4);
+        combo.clearFocus();
+        QCOMPARE(combo.list_index(), 4);
+        combo.lineEdit()->setFocus();
+        QTest::keyClicks(combo.lineEdit(), u"s"_s);
+        QTest::keyClick(combo.lineEdit(), Qt::Key_Backspace);
+        QCOMPARE(combo.list_index(), 3);
+    }
+
+    void an_index_that_is_no_item_empties_the_entry() {
+        TagCombo combo;
+        fill(combo);
+        combo.set_list_index(2);
+        combo.set_list_index(-1);
+        QCOMPARE(combo.entered_text(), QString());
+        combo.set_list_index(6);
+        QCOMPARE(combo.list_index(), -1);
+    }
+
+    void refilling_keeps_what_is_entered() {
+        TagCombo combo;
+        fill(combo);
+        combo.set_entered_text(u"Half a ta"_s);
+        combo.set_items({{u"Half a tag"_s, u"1"_s}});
+        QCOMPARE(combo.entered_text(), u"Half a ta"_s);
+        QCOMPARE(combo.item_count(), 1);
+    }
+
+    void typing_is_never_changed_by_the_list() {
+        TagCombo combo;
+        fill(combo);
+        show(combo);
+        QTest::keyClicks(combo.lineEdit(), u"ca"_s);
+        QTRY_VERIFY(completions(combo)->isVisible());
+        QCOMPARE(combo.completer()->completionCount(), 2);
+        QCOMPARE(combo.entered_text(), u"ca"_s);
+        QTest::keyClick(completions(combo), Qt::Key_R);
+        QCOMPARE(combo.entered_text(), u"car"_s);
+        completions(combo)->hide();
+        combo.clearFocus();
+        QCOMPARE(combo.entered_text(), u"car"_s);
+    }
+
+    void enter_comes_once_with_the_text_as_it_is_seen() {
+        TagCombo combo;
+        fill(combo);
+        show(combo);
+        QStringList entered;
+        on(&combo, &TagCombo::key_down, &combo, [&](int key) {
+            if (key == 13)
+                entered.append(combo.entered_text());
+        });
+        QTest::keyClicks(combo.lineEdit(), u"Taxes"_s);
+        QTest::keyClick(combo.lineEdit(), Qt::Key_Return);
+        QCOMPARE(entered, QStringList{u"Taxes"_s});
+        combo.set_entered_text({});
+        QTest::keyClicks(combo.lineEdit(), u"ca"_s);
+        QTRY_VERIFY(completions(combo)->isVisible());
+        QTest::keyClick(completions(combo), Qt::Key_Enter);
+        QVERIFY(!completions(combo)->isVisible());
+        QCOMPARE(entered, QStringList({u"Taxes"_s, u"ca"_s}));
+    }
+
+    void enter_takes_the_marked_completion_first() {
+        TagCombo combo;
+        fill(combo);
+        show(combo);
+        QList<int> entered;
+        on(&combo, &TagCombo::key_down, &combo, [&](int key) {
+            if (key == 13)
+                entered.append(combo.list_index());
+        });
+        QTest::keyClicks(combo.lineEdit(), u"ous"_s);
+        QTRY_VERIFY(completions(combo)->isVisible());
+        QTest::keyClick(completions(combo), Qt::Key_Down);
+        QTest::keyClick(completions(combo), Qt::Key_Down);
+        QTest::keyClick(completions(combo), Qt::Key_Return);
+        QCOMPARE(combo.entered_text(), u"House"_s);
+        QCOMPARE(entered, QList<int>{4});
+    }
+
+    void enter_in_the_open_list_takes_its_item_and_comes_once() {
+        TagCombo combo;
+        fill(combo);
+        show(combo);
+        QSignalSpy keys(&combo, &TagCombo::key_down);
+        combo.showPopup();
+        combo.view()->setCurrentIndex(combo.model()->index(2, 0));
+        QTest::keyClick(combo.view(), Qt::Key_Return);
+        QVERIFY(!combo.view()->isVisible());
+        QCOMPARE(keys.size(), 1);
+        QCOMPARE(keys.constFirst().constFirst().toInt(), 13);
+        QCOMPARE(combo.entered_text(), u"Car insurance"_s);
+    }
+
+    void a_click_on_a_completion_is_a_choice() {
+        TagCombo combo;
+        fill(combo);
+        show(combo);
+        QTest::keyClicks(combo.lineEdit(), u"hou"_s);
+        QTRY_VERIFY(completions(combo)->isVisible());
+        const QModelIndex second = combo.completer()->completionModel()->index(1, 0);
+        const QRect place = completions(combo)->visualRect(second);
+        QTest::mouseClick(completions(combo)->viewport(), Qt::LeftButton, {}, place.center());
+        QCOMPARE(combo.entered_text(), u"House"_s);
+        QCOMPARE(combo.list_index(), 4);
+    }
+
+    void enter_presses_no_button_of_the_form() {
+        QDialog form;
+        auto* layout = new QVBoxLayout(&form);
+        auto* combo = new TagCombo;
+        auto* save = new QPushButton(u"Save"_s);
+        layout->addWidget(combo);
+        layout->addWidget(save);
+        save->setDefault(true);
+        fill(*combo);
+        show(form);
+        combo->setFocus();
+        QSignalSpy saved(save, &QPushButton::clicked);
+        QSignalSpy keys(combo, &TagCombo::key_down);
+        QTest::keyClick(combo->lineEdit(), Qt::Key_Return);
+        QCOMPARE(keys.size(), 1);
+        QCOMPARE(saved.size(), 0);
+    }
+
+    void a_handler_may_refill_and_empty_the_combo() {
+        TagCombo combo;
+        fill(combo);
+        show(combo);
+        int handled = 0;
+        on(&combo, &TagCombo::key_down, &combo, [&](int key) {
+            if (key != 13)
+                return;
+            ++handled;
+            combo.set_items({{u"New"_s, u"99"_s}});
+            combo.set_entered_text({});
+            combo.setFocus();
+        });
+        QTest::keyClicks(combo.lineEdit(), u"car"_s);
+        QTRY_VERIFY(completions(combo)->isVisible());
+        QTest::keyClick(completions(combo), Qt::Key_Down);
+        QTest::keyClick(completions(combo), Qt::Key_Return);
+        QCOMPARE(handled, 1);
+        QCOMPARE(combo.entered_text(), QString());
+        QVERIFY(combo.lineEdit()->hasFocus());
+        QTest::keyClicks(combo.lineEdit(), u"new"_s);
+        QCOMPARE(combo.list_index(), 0);
+    }
+
+    void odd_tags_are_shown_and_kept_data() {
+        QTest::addColumn<QString>("tag");
+        QTest::newRow("quotes") << u"O'Brien \"& Sons\" 100%"_s;
+        QTest::newRow("right to left") << u"\u05E9\u05DC\u05D5\u05DD"_s;
+        QTest::newRow("emoji") << u"\U0001F4C4 papers \U0001F468\u200D\U0001F469"_s;
+        QTest::newRow("line break") << u"one\ntwo"_s;
+        QTest::newRow("32,000 characters") << QString(32000, u'm');
+    }
+    void odd_tags_are_shown_and_kept() {
+        QFETCH(QString, tag);
+        TagCombo combo;
+        combo.set_items({{u"a"_s, u"1"_s}, {tag, u"2"_s}});
+        show(combo);
+        combo.set_list_index(1);
+        QCOMPARE(combo.entered_text(), tag);
+        combo.set_entered_text(tag);
+        QCOMPARE(combo.list_index(), 1);
+        combo.showPopup();
+        QVERIFY(combo.view()->window()->width() <= combo.screen()->geometry().width());
+        QVERIFY(combo.view()->visualRect(combo.model()->index(1, 0)).height() <
+                3 * combo.fontMetrics().height());
+        combo.hidePopup();
+    }
+
+    void twenty_thousand_tags_stay_fast() {
+        std::vector<TagCombo::Item> tags;
+        for (int i = 0; i < 20000; ++i)
+            tags.push_back({u"Tag number %1"_s.arg(i), QString::number(i)});
+        TagCombo combo;
+        show(combo);
+        QElapsedTimer timer;
+        timer.start();
+        combo.set_items(tags);
+        const qint64 filled = timer.restart();
+        combo.showPopup();
+        QVERIFY(!combo.view()->grab().isNull());
+        combo.hidePopup();
+        const qint64 dropped = timer.restart();
+        QTest::keyClicks(combo.lineEdit(), u"tag number 19999"_s);
+        const qint64 typed = timer.restart();
+        QCOMPARE(combo.list_index(), 19999);
+        qInfo("filled %lld ms, list %lld ms, 16 letters %lld ms", filled, dropped, typed);
+        QVERIFY(filled + dropped + typed < 5000);
+    }
+};
+
+QTEST_MAIN(TagComboTest)
+#include "tag_combo_test.moc"
