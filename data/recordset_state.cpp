@@ -180,6 +180,9 @@ void Recordset::State::begin_edit() {
     give_up_change();
     require_source();
     require_row();
+    // SQLite would begin on such a file too and fail only when it writes.
+    if (sqlite3_db_readonly(database->handle(), "main") != 0)
+        database->fail(SQLITE_READONLY);
     Statement(*database, QStringLiteral("BEGIN IMMEDIATE")).run();
     mode = Mode::Editing;
     try {

@@ -1,0 +1,455 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "app/process_values.h"
+#include "data/database.h"
+#include "tests/support/test_station.h"
+#include "tests/unit/data/thrown.h"
+
+#include <QTest>
+
+using namespace folidex;
+using namespace folidex::test;
+using namespace Qt::StringLiterals;
+
+class TestRecordset : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { station_ = std::make_unique<TestStation>(); }
+    void cleanup() { station_.reset(); }
+
+    void an_empty_set_counts_nothing_and_is_at_its_end();
+    void a_set_counts_one_until_it_was_read_to_its_end();
+    void walking_to_the_end_makes_the_count_exact();
+    void moving_in_an_empty_set_is_allowed();
+    void moving_past_the_end_is_an_error();
+    void fields_are_found_by_name_without_regard_to_case();
+    void a_field_has_its_type_and_its_text();
+    void null_is_an_empty_text();
+    void find_first_positions_on_the_first_match_data();
+    void find_first_positions_on_the_first_match();
+    void find_first_without_a_match_says_so_and_stays();
+    void a_criterion_that_is_none_is_an_error_data();
+    void a_criterion_that_is_none_is_an_error();
+    void all_rows_come_from_the_current_one_on();
+    void a_set_keeps_the_rows_of_its_moment();
+    void an_open_set_holds_no_lock();
+
+    void an_edit_reads_the_row_afresh_and_writes_it();
+    void an_edit_holds_the_file_until_it_is_written();
+    void an_abandoned_edit_changes_nothing_and_lets_go_data();
+    void an_abandoned_edit_changes_nothing_and_lets_go();
+    void an_exception_in_an_edit_leaves_no_lock();
+    void a_failed_update_leaves_no_lock();
+    void editing_a_row_that_another_station_deleted_says_so();
+    void editing_without_a_current_row_is_an_error();
+    void a_field_is_set_only_in_an_edit();
+    void a_new_row_is_added();
+    void a_new_row_that_fails_is_not_in_the_set();
+    void the_current_row_is_deleted_and_the_walk_goes_on();
+    void deleting_twice_says_so();
+    void a_row_that_another_station_deleted_cannot_be_deleted();
+    void a_join_cannot_be_changed_data();
+    void a_join_cannot_be_changed();
+    void a_closed_set_cannot_be_used();
+    void a_set_outlives_the_connection_that_made_it();
+
+private:
+    Recordset open(const QString& sql) { return database().open_recordset(sql); }
+    void pair(int scan, int tag) {
+        database().execute(u"INSERT INTO tagged (scan, tag) VALUES (%1, %2)"_s.arg(scan).arg(tag));
+    }
+    void three_pairs() {
+        pair(9, 30);
+        pair(9, 2);
+        pair(9, 17);
+    }
+    bool can_write_elsewhere();
+
+    std::unique_ptr<TestStation> station_;
+};
+
+// A statement of another station that would be refused at once while the file is held.
+bool TestRecordset::can_write_elsewhere() {
+    const auto other = Database::open(station_->database_path());
+    other->execute(u"PRAGMA busy_timeout = 0"_s);
+    return !thrown([&] { other->execute(u"INSERT INTO tagged (scan, tag) VALUES (1, 1)"_s); });
+}
+
+void TestRecordset::an_empty_set_counts_nothing_and_is_at_its_end() {
+    const Recordset set = open(u"Select * from tags"_s);
+    QCOMPARE(set.record_count(), 0);
+    QVERIFY(set.eof());
+    QCOMPARE(thrown_number([&] { set.field(u"link"_s); }), 3021);
+}
+
+void TestRecordset::a_set_counts_one_until_it_was_read_to_its_end() {
+    three_pairs();
+    Recordset set = open(u"Select * from tagged"_s);
+    QCOMPARE(set.record_count(), 1);
+    set.move_next();
+    QCOMPARE(set.record_count(), 1);
+    set.move_last();
+    QCOMPARE(set.text(u"tag"_s), u"17"_s);
+    QCOMPARE(set.record_count(), 3);
+    set.move_first();
+    QCOMPARE(set.text(u"tag"_s), u"30"_s);
+    QCOMPARE(set.record_count(), 3);
+}
+
+void TestRecordset::walking_to_the_end_makes_the_count_exact() {
+    three_pairs();
+    Recordset set = open(u"Select * from tagged"_s);
+    QStringList tags;
+    for (; !set.eof(); set.move_next())
+        tags.append(set.text(u"Tag"_s));
+    QCOMPARE(tags, QStringList({u"30"_s, u"2"_s, u"17"_s}));
+    QCOMPARE(set.record_count(), 3);
+}
+
+void TestRecordset::moving_in_an_empty_set_is_allowed() {
+    Recordset set = open(u"Select * from tags"_s);
+    set.move_last();
+    set.move_first();
+    QCOMPARE(set.record_count(), 0);
+    QVERIFY(set.eof());
+    QVERIFY(set.get_rows().empty());
+}
+
+void TestRecordset::moving_past_the_end_is_an_error() {
+    pair(1, 1);
+    Recordset set = open(u"Select * from tagged"_s);
+    set.move_next();
+    QVERIFY(set.eof());
+    QCOMPARE(thrown_number([&] { set.move_next(); }), 3021);
+}
+
+void TestRecordset::fields_are_found_by_name_without_regard_to_case() {
+    pair(4, 5);
+    const Recordset set = open(u"Select * from tagged"_s);
+    QCOMPARE(set.text(u"SCAN"_s), u"4"_s);
+    QCOMPARE(set.field_index(u"Tag"_s), 1);
+    QCOMPARE(set.field_count(), 2);
+    const auto error = thrown([&] { set.field(u"rowid"_s); });
+    QVERIFY(error);
+    QCOMPARE(error->number, 3265);
+    QVERIFY(error->description.contains(u"rowid"_s));
+}
+
+void TestRecordset::a_field_has_its_type_and_its_text() {
+    database().execute(u"INSERT INTO scans ([link], [description], [date], [fname], [location]) "
+                       "VALUES (5, 'x', 40098.123456789012, '0', '0109')"_s);
+    const Recordset set = open(u"Select * from scans"_s);
+    QCOMPARE(set.field(u"link"_s).typeId(), static_cast<int>(QMetaType::LongLong));
+    QCOMPARE(set.field(u"date"_s).typeId(), static_cast<int>(QMetaType::Double));
+    QCOMPARE(set.field(u"location"_s).typeId(), static_cast<int>(QMetaType::QString));
+    QCOMPARE(set.text(u"date"_s), u"40098.123456789"_s);
+    QCOMPARE(set.text(u"location"_s), u"0109"_s);
+}
+
+void TestRecordset::null_is_an_empty_text() {
+    database().execute(u"INSERT INTO scans ([link]) VALUES (5)"_s);
+    const Recordset set = open(u"Select * from scans"_s);
+    QVERIFY(set.field(u"description"_s).isNull());
+    QCOMPARE(set.text(u"description"_s), QString());
+    QCOMPARE(set.text(u"date"_s), QString());
+}
+
+void TestRecordset::find_first_positions_on_the_first_match_data() {
+    QTest::addColumn<QString>("criterion");
+    QTest::addColumn<QString>("link");
+    QTest::newRow("number") << u"link = 3"_s << u"3"_s;
+    QTest::newRow("without blanks") << u"link=3"_s << u"3"_s;
+    QTest::newRow("text") << u"description = 'beta'"_s << u"2"_s;
+    QTest::newRow("text in another case") << u"Description = 'ÄRGER'"_s << u"3"_s;
+    QTest::newRow("text with apostrophe") << u"description = 'it''s'"_s << u"4"_s;
+    QTest::newRow("bracketed name") << u"[link] = 2"_s << u"2"_s;
+    QTest::newRow("qualified name") << u"tags.link = 2"_s << u"2"_s;
+    QTest::newRow("greater") << u"link > 1"_s << u"2"_s;
+    QTest::newRow("at least") << u"link >= 3"_s << u"3"_s;
+    QTest::newRow("unequal") << u"link <> 1"_s << u"2"_s;
+    QTest::newRow("less than a negative") << u"link > -1"_s << u"1"_s;
+}
+
+void TestRecordset::find_first_positions_on_the_first_match() {
+    QFETCH(QString, criterion);
+    QFETCH(QString, link);
+    for (const QString& name : {u"Alpha"_s, u"Beta"_s, u"Ärger"_s, u"it's"_s, u"beta"_s})
+        station_->add_tag(name);
+    Recordset set = open(u"Select * from tags"_s);
+    set.move_last();
+    set.find_first(criterion);
+    QVERIFY(!set.no_match());
+    QCOMPARE(set.text(u"link"_s), link);
+}
+
+void TestRecordset::find_first_without_a_match_says_so_and_stays() {
+    three_pairs();
+    pair(9, 40);
+    database().execute(u"INSERT INTO tagged (scan) VALUES (9)"_s);
+    Recordset set = open(u"Select * from tagged"_s);
+    set.find_first(u"tag = 2"_s);
+    QVERIFY(!set.no_match());
+    for (const QString& criterion : {u"tag = 3"_s, u"tag = 'x'"_s, u"tag < 2"_s}) {
+        set.find_first(criterion);
+        QVERIFY(set.no_match());
+        QCOMPARE(set.text(u"tag"_s), u"2"_s);
+    }
+    set.find_first(u"tag <= 2"_s);
+    QVERIFY(!set.no_match());
+}
+
+void TestRecordset::a_criterion_that_is_none_is_an_error_data() {
+    QTest::addColumn<QString>("criterion");
+    QTest::addColumn<int>("number");
+    QTest::newRow("empty") << u""_s << 3077;
+    QTest::newRow("no value") << u"tag = "_s << 3077;
+    QTest::newRow("no comparison") << u"tag 17"_s << 3077;
+    QTest::newRow("two") << u"tag = 17 and scan = 2"_s << 3077;
+    QTest::newRow("negative text") << u"tag = -'x'"_s << 3077;
+    QTest::newRow("unknown field") << u"link = 17"_s << 3265;
+}
+
+void TestRecordset::a_criterion_that_is_none_is_an_error() {
+    QFETCH(QString, criterion);
+    QFETCH(int, number);
+    three_pairs();
+    Recordset set = open(u"Select * from tagged"_s);
+    QCOMPARE(thrown_number([&] { set.find_first(criterion); }), number);
+}
+
+void TestRecordset::all_rows_come_from_the_current_one_on() {
+    three_pairs();
+    Recordset set = open(u"Select * from tagged"_s);
+    set.move_next();
+    const auto rows = set.get_rows();
+    QCOMPARE(rows.size(), std::size_t(2));
+    QCOMPARE(rows[0], (std::vector<QVariant>{qlonglong(9), qlonglong(2)}));
+    QCOMPARE(rows[1], (std::vector<QVariant>{qlonglong(9), qlonglong(17)}));
+    QVERIFY(set.eof());
+    QCOMPARE(set.record_count(), 3);
+}
+
+void TestRecordset::a_set_keeps_the_rows_of_its_moment() {
+    three_pairs();
+    Recordset set = open(u"Select * from tagged"_s);
+    database().execute(u"DELETE * FROM tagged where scan = 9"_s);
+    set.move_last();
+    QCOMPARE(set.record_count(), 3);
+    QCOMPARE(set.text(u"tag"_s), u"17"_s);
+}
+
+void TestRecordset::an_open_set_holds_no_lock() {
+    three_pairs();
+    const Recordset set = open(u"Select * from tagged"_s);
+    QVERIFY(can_write_elsewhere());
+    QVERIFY(!set.eof());
+}
+
+void TestRecordset::an_edit_reads_the_row_afresh_and_writes_it() {
+    Recordset set = open(u"Select * from comp"_s);
+    QCOMPARE(set.text(u"NewLink"_s), u"1"_s);
+    Database::open(station_->database_path())->execute(u"UPDATE comp SET comp.NewLink = 70"_s);
+    QCOMPARE(set.text(u"NewLink"_s), u"1"_s);
+    set.edit();
+    QCOMPARE(set.text(u"NewLink"_s), u"70"_s);
+    set.set_field(u"newlink"_s, 71);
+    QCOMPARE(set.text(u"NewLink"_s), u"71"_s);
+    set.update();
+    QCOMPARE(set.text(u"NewLink"_s), u"71"_s);
+    QCOMPARE(station_->value(u"Select * from comp"_s), u"71"_s);
+}
+
+void TestRecordset::an_edit_holds_the_file_until_it_is_written() {
+    Recordset set = open(u"Select * from comp"_s);
+    set.edit();
+    QVERIFY(!can_write_elsewhere());
+    set.set_field(u"NewLink"_s, 5);
+    set.update();
+    QVERIFY(can_write_elsewhere());
+}
+
+void TestRecordset::an_abandoned_edit_changes_nothing_and_lets_go_data() {
+    QTest::addColumn<int>("way");
+    QTest::newRow("destroyed") << 0;
+    QTest::newRow("closed") << 1;
+    QTest::newRow("moved") << 2;
+    QTest::newRow("replaced") << 3;
+    QTest::newRow("all rows taken") << 4;
+}
+
+void TestRecordset::an_abandoned_edit_changes_nothing_and_lets_go() {
+    QFETCH(int, way);
+    auto set = std::make_unique<Recordset>(open(u"Select * from comp"_s));
+    set->edit();
+    set->set_field(u"NewLink"_s, 5);
+    switch (way) {
+    case 0:
+        set.reset();
+        break;
+    case 1:
+        set->close();
+        break;
+    case 2:
+        set->move_first();
+        break;
+    case 3:
+        *set = open(u"Select * from comp"_s);
+        break;
+    default:
+        set->get_rows();
+    }
+    QVERIFY(can_write_elsewhere());
+    QCOMPARE(station_->value(u"Select * from comp"_s), u"1"_s);
+}
+
+void TestRecordset::an_exception_in_an_edit_leaves_no_lock() {
+    QCOMPARE(thrown_number([&] {
+                 Recordset set = open(u"Select * from comp"_s);
+                 set.edit();
+                 set.set_field(u"no such field"_s, 5);
+             }),
+             3265);
+    QVERIFY(can_write_elsewhere());
+}
+
+void TestRecordset::a_failed_update_leaves_no_lock() {
+    station_->add_tag(u"one"_s);
+    station_->add_tag(u"two"_s);
+    Recordset set = open(u"Select * from tags where link = 2"_s);
+    set.edit();
+    set.set_field(u"Link"_s, 1);
+    const auto error = thrown([&] { set.update(); });
+    QVERIFY(error);
+    QVERIFY(error->description.contains(u"UNIQUE"_s));
+    QVERIFY(error->description.contains(station_->database_path()));
+    QVERIFY(can_write_elsewhere());
+    QCOMPARE(station_->rows(u"Select * from tags"_s), QStringList({u"1|one"_s, u"2|two"_s}));
+}
+
+void TestRecordset::editing_a_row_that_another_station_deleted_says_so() {
+    three_pairs();
+    Recordset set = open(u"Select * from tagged"_s);
+    database().execute(u"DELETE * FROM tagged where tag = 30"_s);
+    const auto error = thrown([&] { set.edit(); });
+    QVERIFY(error);
+    QCOMPARE(error->number, 3167);
+    QCOMPARE(error->description, u"Record is deleted."_s);
+    QVERIFY(can_write_elsewhere());
+}
+
+void TestRecordset::editing_without_a_current_row_is_an_error() {
+    Recordset set = open(u"Select * from tags"_s);
+    QCOMPARE(thrown_number([&] { set.edit(); }), 3021);
+    QVERIFY(can_write_elsewhere());
+}
+
+void TestRecordset::a_field_is_set_only_in_an_edit() {
+    Recordset set = open(u"Select * from comp"_s);
+    QCOMPARE(thrown_number([&] { set.set_field(u"NewLink"_s, 5); }), 3020);
+    QCOMPARE(thrown_number([&] { set.update(); }), 3020);
+    QCOMPARE(station_->value(u"Select * from comp"_s), u"1"_s);
+}
+
+void TestRecordset::a_new_row_is_added() {
+    station_->add_tag(u"one"_s);
+    Recordset set = open(u"Select * from tags"_s);
+    set.add_new();
+    QVERIFY(set.field(u"link"_s).isNull());
+    set.set_field(u"link"_s, 8);
+    set.set_field(u"Description"_s, u"it's 100 % [new]"_s);
+    set.update();
+    QCOMPARE(set.text(u"link"_s), u"1"_s);
+    set.move_last();
+    QCOMPARE(set.text(u"Description"_s), u"it's 100 % [new]"_s);
+    QCOMPARE(set.record_count(), 2);
+    QCOMPARE(station_->rows(u"Select * from tags"_s),
+             QStringList({u"1|one"_s, u"8|it's 100 % [new]"_s}));
+}
+
+void TestRecordset::a_new_row_that_fails_is_not_in_the_set() {
+    station_->add_tag(u"one"_s);
+    Recordset set = open(u"Select * from tags"_s);
+    set.add_new();
+    set.set_field(u"link"_s, 1);
+    QVERIFY(thrown([&] { set.update(); }));
+    set.move_last();
+    QCOMPARE(set.record_count(), 1);
+    QVERIFY(can_write_elsewhere());
+}
+
+void TestRecordset::the_current_row_is_deleted_and_the_walk_goes_on() {
+    three_pairs();
+    Recordset set = open(u"Select * from tagged where scan = 9"_s);
+    QStringList seen;
+    for (; !set.eof(); set.move_next()) {
+        seen.append(set.text(u"tag"_s));
+        if (seen.back() != u"2"_s)
+            set.delete_current();
+    }
+    QCOMPARE(seen, QStringList({u"30"_s, u"2"_s, u"17"_s}));
+    QCOMPARE(set.record_count(), 1);
+    QCOMPARE(station_->rows(u"Select * from tagged"_s), QStringList{u"9|2"_s});
+}
+
+void TestRecordset::deleting_twice_says_so() {
+    three_pairs();
+    Recordset set = open(u"Select * from tagged"_s);
+    set.delete_current();
+    QVERIFY(!set.eof());
+    QCOMPARE(thrown_number([&] { set.delete_current(); }), 3167);
+    QCOMPARE(thrown_number([&] { set.text(u"tag"_s); }), 3167);
+    QCOMPARE(station_->rows(u"Select * from tagged"_s).size(), 2);
+}
+
+void TestRecordset::a_row_that_another_station_deleted_cannot_be_deleted() {
+    three_pairs();
+    Recordset set = open(u"Select * from tagged"_s);
+    database().execute(u"DELETE * FROM tagged where tag = 30"_s);
+    QCOMPARE(thrown_number([&] { set.delete_current(); }), 3167);
+    QCOMPARE(station_->rows(u"Select * from tagged"_s).size(), 2);
+}
+
+void TestRecordset::a_join_cannot_be_changed_data() {
+    QTest::addColumn<QString>("sql");
+    QTest::newRow("join") << u"Select tags.Link from tags inner join tagged on tag = Link"_s;
+    QTest::newRow("two tables") << u"Select * from tags, tagged where tag = Link"_s;
+    QTest::newRow("distinct") << u"Select distinct Link from tags"_s;
+    QTest::newRow("count") << u"Select count(*) from tags"_s;
+}
+
+void TestRecordset::a_join_cannot_be_changed() {
+    QFETCH(QString, sql);
+    pair(9, station_->add_tag(u"one"_s));
+    Recordset set = open(sql);
+    QVERIFY(!set.eof());
+    const auto error = thrown([&] { set.edit(); });
+    QVERIFY(error);
+    QCOMPARE(error->number, 3027);
+    QVERIFY(error->description.contains(station_->database_path()));
+    QCOMPARE(thrown_number([&] { set.delete_current(); }), 3027);
+    QCOMPARE(thrown_number([&] { set.add_new(); }), 3027);
+}
+
+void TestRecordset::a_closed_set_cannot_be_used() {
+    Recordset set = open(u"Select * from comp"_s);
+    set.close();
+    set.close();
+    QCOMPARE(thrown_number([&] { set.text(u"NewLink"_s); }), 3420);
+    QCOMPARE(thrown_number([&] { set.edit(); }), 3420);
+}
+
+void TestRecordset::a_set_outlives_the_connection_that_made_it() {
+    Recordset set = open(u"Select * from comp"_s);
+    set.edit();
+    set_database(nullptr);
+    set.set_field(u"NewLink"_s, 9);
+    set.update();
+    set.close();
+    set_database(Database::open(station_->database_path()));
+    QCOMPARE(station_->value(u"Select * from comp"_s), u"9"_s);
+}
+
+QTEST_GUILESS_MAIN(TestRecordset)
+#include "test_recordset.moc"
