@@ -133,8 +133,9 @@ void DropMenu::paint_ground(QPainter& painter) const {
         look.MenuBackColor.isValid() ? look.MenuBackColor : palette().color(QPalette::Window);
     painter.fillRect(rect(), ground_color(back, palette()));
     if (look.MarginBackColor.isValid()) {
-        const QRect margin = QStyle::visualRect(
-            layoutDirection(), rect(), QRect(kFrame, kFrame, margin_width(), height() - 2 * kFrame));
+        const QRect margin =
+            QStyle::visualRect(layoutDirection(), rect(),
+                               QRect(kFrame, kFrame, margin_width(), height() - 2 * kFrame));
         const bool rtl = isRightToLeft();
         QLinearGradient gradient(rtl ? margin.topRight() : margin.topLeft(),
                                  rtl ? margin.topLeft() : margin.topRight());
@@ -193,17 +194,16 @@ void DropMenu::paint_item(QPainter& painter, const QRect& rect, const Item& item
         Qt::TextSingleLine);
     painter.setFont(font());
     painter.setPen(text_color_of(item, selected));
-    painter.drawText(text, flags,
-                     QFontMetrics(font()).elidedText(one_line(item.caption), Qt::ElideRight,
-                                                     text.width()));
+    painter.drawText(
+        text, flags,
+        QFontMetrics(font()).elidedText(one_line(item.caption), Qt::ElideRight, text.width()));
     if (item.sub_text.isEmpty())
         return;
     const QFontMetrics sub_text(sub_text_font());
     painter.setFont(sub_text_font());
     painter.setPen(text_color(look.SubTextColor, palette()));
-    painter.drawText(
-        QRect(text.left(), text.bottom() + 1, text.width(), sub_text.height()), flags,
-        sub_text.elidedText(one_line(item.sub_text), Qt::ElideRight, text.width()));
+    painter.drawText(QRect(text.left(), text.bottom() + 1, text.width(), sub_text.height()), flags,
+                     sub_text.elidedText(one_line(item.sub_text), Qt::ElideRight, text.width()));
 }
 
 void DropMenu::paintEvent(QPaintEvent*) {

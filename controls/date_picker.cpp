@@ -91,10 +91,10 @@ void DatePicker::open_calendar() {
     option.initFrom(this);
     option.editable = true;
     option.subControls = QStyle::SC_All;
-    const QPointF arrow = style()
-                              ->subControlRect(QStyle::CC_ComboBox, &option,
-                                               QStyle::SC_ComboBoxArrow, this)
-                              .center();
+    const QPointF arrow =
+        style()
+            ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxArrow, this)
+            .center();
     QMouseEvent press(QEvent::MouseButtonPress, arrow, mapToGlobal(arrow), Qt::LeftButton,
                       Qt::LeftButton, Qt::NoModifier);
     mousePressEvent(&press);

@@ -13,7 +13,9 @@ namespace folidex {
 /// Twips in a device-independent pixel (1440 an inch, 96 pixels an inch).
 inline constexpr double kTwipsPerPixel = 15.0;
 
-inline double to_twips(int pixels) { return pixels * kTwipsPerPixel; }
+inline double to_twips(int pixels) {
+    return pixels * kTwipsPerPixel;
+}
 int to_pixels(double twips);
 
 /// A form's window for GetScreenPosition and SetScreenPosition; its name is the form's

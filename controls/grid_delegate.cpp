@@ -54,9 +54,8 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     mark.moveTopLeft(mark.topLeft().toPoint());
     painter->save();
     if (cell.state & QStyle::State_MouseOver) {
-        QColor shade = cell.palette.color(cell.state & QStyle::State_Selected
-                                              ? QPalette::HighlightedText
-                                              : QPalette::Text);
+        QColor shade = cell.palette.color(
+            cell.state & QStyle::State_Selected ? QPalette::HighlightedText : QPalette::Text);
         shade.setAlphaF(kMarkShade);
         painter->setRenderHint(QPainter::Antialiasing);
         painter->setPen(Qt::NoPen);

@@ -8,16 +8,14 @@ namespace folidex {
 namespace {
 
 // Rows keep no place for what none of their cells has.
-template <class Value>
-void put(std::vector<Value>& values, int column, const Value& value) {
+template <class Value> void put(std::vector<Value>& values, int column, const Value& value) {
     const auto at = static_cast<size_t>(column);
     if (values.size() <= at)
         values.resize(at + 1);
     values[at] = value;
 }
 
-template <class Value>
-Value get(const std::vector<Value>& values, int column) {
+template <class Value> Value get(const std::vector<Value>& values, int column) {
     const auto at = static_cast<size_t>(column);
     return at < values.size() ? values[at] : Value();
 }

@@ -24,8 +24,7 @@ namespace {
 constexpr int kSizes[] = {16, 20, 24, 30, 32, 36, 40, 48, 60, 64, 72, 96};
 constexpr int kOwnSizes[] = {16, 20, 24, 32, 40, 48, 64, 96, 128, 256};
 
-template <class Sizes>
-int rendered_size(const Sizes& sizes, int wanted) {
+template <class Sizes> int rendered_size(const Sizes& sizes, int wanted) {
     const auto found = std::lower_bound(std::begin(sizes), std::end(sizes), wanted);
     return found == std::end(sizes) ? *std::prev(found) : *found;
 }

@@ -40,8 +40,7 @@ public:
             return {};
         return tags_[static_cast<size_t>(index.row())].description;
     }
-    template <class Replace>
-    void replace(Replace replace_items) {
+    template <class Replace> void replace(Replace replace_items) {
         beginResetModel();
         replace_items();
         endResetModel();

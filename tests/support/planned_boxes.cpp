@@ -91,8 +91,8 @@ void PlannedBoxes::expect_input(const QString& prompt, const QString& title,
 
 void PlannedBoxes::expect_report(const QString& module, const QString& procedure, int number) {
     verified_ = false;
-    const QStringList parts{u"Module: %1\r\n"_s.arg(module),
-                            u"Procedure: %1\r\n"_s.arg(procedure), u"(%1)"_s.arg(number)};
+    const QStringList parts{u"Module: %1\r\n"_s.arg(module), u"Procedure: %1\r\n"_s.arg(procedure),
+                            u"(%1)"_s.arg(number)};
     expected_.push_back(
         {parts, false, kCriticalIcon, QString::fromLatin1(kReportTitle), kAnswerOk, {}});
 }
@@ -109,8 +109,7 @@ std::optional<PlannedBoxes::Expected> PlannedBoxes::met(const ShownBox& box) {
     expected_.erase(expected_.begin());
     if (planned.matches(box))
         return planned;
-    failures_.append(u"Another box came: "_s + text + u"\nThe test expected: "_s +
-                     planned.text());
+    failures_.append(u"Another box came: "_s + text + u"\nThe test expected: "_s + planned.text());
     return std::nullopt;
 }
 

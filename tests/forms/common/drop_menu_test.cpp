@@ -195,8 +195,7 @@ private Q_SLOTS:
         QCOMPARE(menu.activeAction(), menu.actions().at(3));
         const QImage image = menu.grab().toImage();
         const QRect selected = place(menu, 4);
-        QCOMPARE(image.pixelColor(selected.left() + 2, selected.center().y()),
-                 QColor(0, 0, 128));
+        QCOMPARE(image.pixelColor(selected.left() + 2, selected.center().y()), QColor(0, 0, 128));
         QCOMPARE(image.pixelColor(selected.left() + 6, selected.center().y()),
                  QColor(255, 238, 194));
         QVERIFY(holds_color(image, selected, QColor(0, 0, 255)));

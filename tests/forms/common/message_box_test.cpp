@@ -21,8 +21,7 @@ class MessageBoxTest : public QObject {
 
 private:
     /// Looks at the box as soon as it is up, and closes it if the look does not.
-    template <class Box>
-    void when_up(std::function<void(Box&)> look) {
+    template <class Box> void when_up(std::function<void(Box&)> look) {
         looked_ = 0;
         later(this, 0, [this, look = std::move(look)] {
             auto* box = qobject_cast<Box*>(QApplication::activeModalWidget());
@@ -43,8 +42,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("buttons");
         QTest::newRow("plain") << 0 << int(QMessageBox::NoIcon) << int(QMessageBox::Ok);
         QTest::newRow("critical") << 16 << int(QMessageBox::Critical) << int(QMessageBox::Ok);
-        QTest::newRow("information")
-            << 64 << int(QMessageBox::Information) << int(QMessageBox::Ok);
+        QTest::newRow("information") << 64 << int(QMessageBox::Information) << int(QMessageBox::Ok);
         QTest::newRow("question") << 36 << int(QMessageBox::Question)
                                   << int(QMessageBox::Yes | QMessageBox::No);
     }

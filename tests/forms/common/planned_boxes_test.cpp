@@ -105,8 +105,9 @@ private Q_SLOTS:
         QFETCH(int, number);
         PlannedBoxes boxes;
         boxes.expect_report(u"frmTags"_s, procedure, number);
-        QVERIFY_THROWS_EXCEPTION(
-            Error, trapped("frmTags", "fill_grid", [] { throw Error{53, u"no"_s}; }));
+        QVERIFY_THROWS_EXCEPTION(Error, trapped("frmTags", "fill_grid", [] {
+                                     throw Error{53, u"no"_s};
+                                 }));
         complaint("Another box came");
         QVERIFY(!boxes.verify());
     }

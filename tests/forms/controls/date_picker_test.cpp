@@ -79,10 +79,9 @@ private Q_SLOTS:
                                  << day_number(QDate(9999, 12, 31));
         QTest::newRow("no number") << std::nan("") << 0.0;
         QTest::newRow("first") << day_number(QDate(100, 1, 1)) << day_number(QDate(100, 1, 1));
-        QTest::newRow("last") << day_number(QDate(9999, 12, 31))
-                              << day_number(QDate(9999, 12, 31));
-        QTest::newRow("before 1900") << day_number(QDate(1815, 6, 18))
-                                     << day_number(QDate(1815, 6, 18));
+        QTest::newRow("last") << day_number(QDate(9999, 12, 31)) << day_number(QDate(9999, 12, 31));
+        QTest::newRow("before 1900")
+            << day_number(QDate(1815, 6, 18)) << day_number(QDate(1815, 6, 18));
     }
     void what_is_no_date_goes_to_the_nearest() {
         QFETCH(double, given);

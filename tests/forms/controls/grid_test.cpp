@@ -135,10 +135,8 @@ private Q_SLOTS:
         grid.remove_row(2);
         QVERIFY(grid.row() >= 0);
         QVERIFY(marked(grid, grid.row()));
-        QTest::mouseClick(grid.viewport(), Qt::LeftButton, Qt::ControlModifier,
-                          middle(grid, 0, 1));
-        QTest::mouseClick(grid.viewport(), Qt::LeftButton, Qt::ControlModifier,
-                          middle(grid, 0, 1));
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, Qt::ControlModifier, middle(grid, 0, 1));
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, Qt::ControlModifier, middle(grid, 0, 1));
         QCOMPARE(grid.row(), 0);
         QVERIFY(marked(grid, 0));
     }
@@ -264,8 +262,7 @@ private Q_SLOTS:
         fill(grid, 1);
         grid.set_row(2);
         QList<int> seen;
-        on(&grid, &Grid::after_row_col_change, &grid,
-           [&] { seen.append(grid.rows()); });
+        on(&grid, &Grid::after_row_col_change, &grid, [&] { seen.append(grid.rows()); });
         grid.set_rows(1);
         QCOMPARE(seen, QList<int>{1});
     }

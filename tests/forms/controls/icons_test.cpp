@@ -33,10 +33,10 @@ private Q_SLOTS:
     void every_icon_is_there_at_every_scale_data() {
         QTest::addColumn<QString>("name");
         for (const char* name :
-             {"add",    "calendar", "delete", "document", "drop",        "edit",  "error",
-              "exit",   "folder",   "help",   "info",     "locate",      "maintenance",
-              "new",    "open",     "pdf",    "preferences", "print",    "refresh",
-              "remove", "save",     "save-new", "scan",   "tag",         "view",  "warning"})
+             {"add",      "calendar", "delete",      "document", "drop",    "edit",        "error",
+              "exit",     "folder",   "help",        "info",     "locate",  "maintenance", "new",
+              "open",     "pdf",      "preferences", "print",    "refresh", "remove",      "save",
+              "save-new", "scan",     "tag",         "view",     "warning"})
             QTest::newRow(name) << QString::fromLatin1(name);
     }
     void every_icon_is_there_at_every_scale() {
@@ -83,8 +83,10 @@ private Q_SLOTS:
         icon(u"add"_s).paint(&painter, QRect(0, 0, 24, 24));
         painter.end();
         QCOMPARE(image.convertToFormat(QImage::Format_ARGB32),
-                 icon(u"add"_s).pixmap(QSize(24, 24), 2.0).toImage().convertToFormat(
-                     QImage::Format_ARGB32));
+                 icon(u"add"_s)
+                     .pixmap(QSize(24, 24), 2.0)
+                     .toImage()
+                     .convertToFormat(QImage::Format_ARGB32));
     }
 
     void the_programs_own_icon_is_coloured_and_there_from_16_to_256() {

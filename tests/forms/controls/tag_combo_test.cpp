@@ -42,8 +42,7 @@ private:
     /// Types letters that no single key of a plain keyboard has, too.
     static void type(QWidget* field, const QString& text) {
         for (const QChar c : text)
-            QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QString(c),
-                                Qt::NoModifier);
+            QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QString(c), Qt::NoModifier);
     }
 
     static QAbstractItemView* completions(const TagCombo& combo) {
