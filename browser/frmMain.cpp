@@ -279,10 +279,10 @@ void frmMain::Form_Resize() {
 
 void frmMain::place_bars() {
     TB1->setGeometry(kMargin - 2, 4, width() - 2 * (kMargin - 2), kFrameTop - 6);
-    const int strip = frL->height() - fgL->geometry().bottom() - 4;
-    Label1->setGeometry(kFilterInset, fgL->geometry().bottom() + 2, Label1->sizeHint().width(),
+    const int strip = frL->height() - fgL->geometry().bottom() - 2;
+    Label1->setGeometry(kFilterInset, fgL->geometry().bottom() + 1, Label1->sizeHint().width(),
                         strip);
-    hint_->setGeometry(kResultsInset + 4, fgR->geometry().bottom() + 2, fgR->width() - 8, strip);
+    hint_->setGeometry(kResultsInset + 4, fgR->geometry().bottom() + 1, fgR->width() - 8, strip);
     const int bottom = frL->geometry().bottom() + 2;
     status_->setGeometry(kMargin, bottom, width() - 2 * kMargin, height() - bottom);
 }

@@ -15,7 +15,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
-#include <QSignalSpy>
+#include <QScreen>
 #include <QTest>
 #include <QToolBar>
 
@@ -117,9 +117,10 @@ void TestMainLayout::a_minimised_window_keeps_its_layout() {
 void TestMainLayout::nothing_overlaps_with_a_large_font() {
     const frmMain& form = main_->open();
     QFont large = form.font();
-    large.setPointSizeF(large.pointSizeF() * 1.6);
+    // Half as large again as desktops have it.
+    large.setPointSizeF(13.5);
     main_->window->setFont(large);
-    QTRY_VERIFY(form.chkDates->fontInfo().pointSizeF() > 12);
+    QTRY_COMPARE(form.chkDates->font().pointSizeF(), 13.5);
     const QList<QWidget*> column{
         form.TB1,  form.cmbTags, form.chkDates, form.dtFrom,
         form.dtTo, form.fgL,     form.Label1,   form.findChild<QWidget*>(u"StatusBar1"_s)};
@@ -134,7 +135,8 @@ void TestMainLayout::nothing_overlaps_with_a_large_font() {
         QVERIFY2(widget->height() >= widget->fontMetrics().height(),
                  qPrintable(widget->objectName()));
     }
-    QVERIFY(form.width() >= form.TB1->sizeHint().width());
+    QVERIFY(form.width() >=
+            qMin(form.TB1->sizeHint().width(), form.screen()->availableSize().width()));
 }
 
 void TestMainLayout::the_toolbar_has_its_buttons_in_order() {
@@ -170,12 +172,14 @@ void TestMainLayout::every_control_is_reached_with_the_tab_key_as_read() {
     QVERIFY(QTest::qWaitForWindowActive(&form));
     form.TB1->widgetForAction(form.TB1->actions().constFirst())->setFocus(Qt::TabFocusReason);
     QStringList reached;
-    for (int i = 0; i < 16; ++i) {
+    // A date field takes the key once for each of its three parts.
+    for (int i = 0; i < 16 + 2 * 2; ++i) {
         QWidget* focused = QApplication::focusWidget();
         QVERIFY(focused != nullptr);
         while (focused->accessibleName().isEmpty())
             focused = focused->parentWidget();
-        reached.append(focused->accessibleName());
+        if (reached.isEmpty() || reached.constLast() != focused->accessibleName())
+            reached.append(focused->accessibleName());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
     QCOMPARE(reached, (QStringList{u"New"_s, u"Edit"_s, u"Delete"_s, u"Locate File"_s,
