@@ -290,6 +290,7 @@ void frmMain::Label1_Click() {
         cmbTags->setFocus();
         Label1->setText(add_all ? QStringLiteral("Delete All") : QStringLiteral("Add All"));
         Label1->setAccessibleName(Label1->text());
+        place_bars();
         let_pending_events_run();
         fill_me();
     });

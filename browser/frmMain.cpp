@@ -280,8 +280,11 @@ void frmMain::Form_Resize() {
 void frmMain::place_bars() {
     TB1->setGeometry(kMargin - 2, 4, width() - 2 * (kMargin - 2), kFrameTop - 6);
     const int strip = frL->height() - fgL->geometry().bottom() - 2;
-    Label1->setGeometry(kFilterInset, fgL->geometry().bottom() + 1, Label1->sizeHint().width(),
-                        strip);
+    // Its text stands under the list's edge, as a link does, with room for the focus around it.
+    constexpr int kFocusRoom = 6;
+    Label1->setGeometry(
+        kFilterInset - kFocusRoom, fgL->geometry().bottom() + 1,
+        Label1->fontMetrics().horizontalAdvance(Label1->text()) + 2 * kFocusRoom, strip);
     hint_->setGeometry(kResultsInset + 4, fgR->geometry().bottom() + 1, fgR->width() - 8, strip);
     const int bottom = frL->geometry().bottom() + 2;
     status_->setGeometry(kMargin, bottom, width() - 2 * kMargin, height() - bottom);
