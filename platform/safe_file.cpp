@@ -23,7 +23,9 @@ constexpr qint64 kCopyBlock = 1 << 20;
 int number_of(int system_error) {
     switch (system_error) {
     case ENOSPC:
+#ifdef EDQUOT // not every system has quotas
     case EDQUOT:
+#endif
         return kDiskFull;
     case EACCES:
     case EPERM:
