@@ -24,7 +24,7 @@ extern "C" const char etext;
 // stack pointer. Its unwind table says that it was called by that very instruction, all other
 // registers being as they were.
 asm(R"(
-    .text
+    .pushsection .text
     .hidden folidex_fault_trampoline
     .globl folidex_fault_trampoline
     .type folidex_fault_trampoline, @function
@@ -37,6 +37,7 @@ folidex_fault_trampoline:
     ud2
     .cfi_endproc
     .size folidex_fault_trampoline, .-folidex_fault_trampoline
+    .popsection
 )");
 extern "C" [[gnu::visibility("hidden")]] void folidex_fault_trampoline();
 

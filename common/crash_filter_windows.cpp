@@ -1,13 +1,8 @@
 // SPDX-FileCopyrightText: The Folidex authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "common/crash_filter_system.h"
-
-#include <cstddef>
-#include <malloc.h>
-#include <windows.h>
-
 // Entered as if the interrupted instruction had called it: one return address on the stack.
+// It stands before everything else because it leaves the assembler in the section of code.
 asm(R"(
     .text
     .globl folidex_fault_trampoline
@@ -25,6 +20,13 @@ folidex_fault_trampoline:
     ud2
     .seh_endproc
 )");
+
+#include "common/crash_filter_system.h"
+
+#include <cstddef>
+#include <malloc.h>
+#include <windows.h>
+
 extern "C" void folidex_fault_trampoline();
 
 namespace folidex::crash_filter {
