@@ -60,6 +60,8 @@ TagCombo::TagCombo(QWidget* parent) : QComboBox(parent), model_(new TagModel(tag
     setFocusPolicy(Qt::StrongFocus);
     setModel(model_);
     set_up_lists();
+    // Keys go to the combo, which has the focus and hands them on to its edit by itself.
+    installEventFilter(this);
     lineEdit()->installEventFilter(this);
     // The combo would go over to the first item with the text when the field is left, also
     // from another one with the same description that was picked.

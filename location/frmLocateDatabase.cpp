@@ -59,6 +59,7 @@ frmLocateDatabase::frmLocateDatabase(std::function<void()> start_again, QWidget*
       start_again_(std::move(start_again)), AL1(new ActiveLink(this)) {
     ui_->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
+    ui_->pic1->setBackgroundRole(QPalette::Base);
     connect_controls();
     // Loading is an event of its own: its failure ends the program, whoever opened the form.
     outermost([this] { Form_Load(); });
@@ -117,6 +118,7 @@ void frmLocateDatabase::Form_Load() {
                 ui_->opt2->setChecked(true);
         }
         follow_option();
+        (ui_->opt1->isChecked() ? ui_->txtLocation : ui_->txtLocation2)->setFocus();
     });
 }
 

@@ -103,6 +103,26 @@ private Q_SLOTS:
         QCOMPARE(combo.list_index(), index);
     }
 
+    void enter_at_the_window_reaches_the_combo_once() {
+        QDialog dialog;
+        auto* layout = new QVBoxLayout(&dialog);
+        auto* combo = new TagCombo;
+        layout->addWidget(combo);
+        fill(*combo);
+        show(dialog);
+        combo->setFocus();
+        QSignalSpy keys(combo, &TagCombo::key_down);
+        // As the window system delivers it: to whatever widget has the focus.
+        for (const char letter : {'t', 'a', 'x'})
+            QTest::keyClick(dialog.windowHandle(), letter);
+        keys.clear();
+        QTest::keyClick(dialog.windowHandle(), Qt::Key_Return);
+        QCOMPARE(combo->entered_text(), u"tax"_s);
+        QCOMPARE(keys.size(), 1);
+        QCOMPARE(keys[0][0].toInt(), 13);
+        QVERIFY(dialog.isVisible());
+    }
+
     void two_items_with_one_description_can_both_be_chosen() {
         TagCombo combo;
         fill(combo);
