@@ -3,6 +3,8 @@
 
 #include "common/message_box.h"
 
+#include "common/box_style.h"
+
 #include <QApplication>
 #include <QInputDialog>
 #include <QLabel>
@@ -19,8 +21,8 @@ using namespace Qt::StringLiterals;
 // Longer texts would make a box that fits no screen; the whole text is then under "Details".
 constexpr qsizetype kLongestText = 1500;
 constexpr qsizetype kMostLines = 24;
-// A run without a blank, such as a path, is broken here, or the box would be as wide as it.
-constexpr qsizetype kLongestRun = 72;
+// A run in which no line would be wrapped is broken here, or the box would be as wide as it.
+constexpr qsizetype kLongestRun = 60;
 
 std::function<int(const QString&, int, const QString&)> box_presenter;
 std::function<QString(const QString&, const QString&)> input_presenter;
@@ -41,8 +43,13 @@ QString with_plain_line_ends(QString text) {
     return text.replace("\r\n"_L1, "\n"_L1).replace(u'\r', u'\n');
 }
 
-bool breaks_here(QChar c) {
-    return c == u'/' || c == u'\\' || c == u'.' || c == u'_' || c == u'-' || c == u',';
+// Lines are wrapped after these as they stand; after those of breaks_well only by force.
+bool wraps_by_itself(QChar c) {
+    return c.isSpace() || c == u'/' || c == u'-';
+}
+
+bool breaks_well(QChar c) {
+    return c == u'\\' || c == u'.' || c == u'_' || c == u',';
 }
 
 // Never between the two halves of a surrogate pair.
@@ -51,20 +58,20 @@ QString with_long_runs_broken(const QString& text) {
     qsizetype run = 0;
     qsizetype last_break = -1;
     for (const QChar c : text) {
-        if (c.isSpace()) {
-            run = 0;
-            last_break = -1;
-        } else if (run >= kLongestRun && !c.isLowSurrogate()) {
+        if (run >= kLongestRun && !wraps_by_itself(c) && !c.isLowSurrogate()) {
             const qsizetype at = last_break >= 0 ? last_break : broken.size();
             broken.insert(at, u'\n');
             run = broken.size() - at - 1;
             last_break = -1;
         }
         broken += c;
-        if (!c.isSpace())
-            ++run;
-        if (breaks_here(c))
+        ++run;
+        if (wraps_by_itself(c)) {
+            run = 0;
+            last_break = -1;
+        } else if (breaks_well(c)) {
             last_break = broken.size();
+        }
     }
     return broken;
 }
@@ -98,6 +105,7 @@ int show_box(const QString& prompt, int style, const QString& title) {
     const bool yes_no = (style & 0xf) == kYesNo;
     // On the heap: the owner may be destroyed, and the box with it, while it is open.
     QPointer<QMessageBox> box = new QMessageBox(owner_window());
+    box->setStyle(new BoxStyle(box));
     box->setTextFormat(Qt::PlainText);
     box->setIcon(icon_of(style));
     box->setWindowTitle(title);
@@ -107,6 +115,9 @@ int show_box(const QString& prompt, int style, const QString& title) {
     if (head != text)
         box->setDetailedText(text);
     box->setStandardButtons(yes_no ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
+    const QList<QAbstractButton*> buttons = box->buttons();
+    for (QAbstractButton* button : buttons)
+        button->setIcon(QIcon());
     box->setDefaultButton(yes_no ? QMessageBox::Yes : QMessageBox::Ok);
     box->setEscapeButton(yes_no ? QMessageBox::No : QMessageBox::Ok);
     if (auto* label = box->findChild<QLabel*>(u"qt_msgbox_label"_s))

@@ -66,6 +66,8 @@ void DatePicker::add_today_button() {
     QCalendarWidget* calendar = calendarWidget();
     auto* button = new QPushButton(tr("Today"), calendar);
     button->setObjectName(u"cmdToday"_s);
+    // The calendar counts only its own parts; its last week would make room for the button.
+    calendar->setMinimumSize(calendar->sizeHint() + QSize(0, button->sizeHint().height()));
     calendar->layout()->addWidget(button);
     on(button, &QPushButton::clicked, calendar,
        [calendar] { Q_EMIT calendar->activated(QDate::currentDate()); });

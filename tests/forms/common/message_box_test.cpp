@@ -55,6 +55,7 @@ private Q_SLOTS:
             QCOMPARE(int(box.standardButtons()), buttons);
             QCOMPARE(box.windowTitle(), u"Title"_s);
             QVERIFY(box.isModal());
+            QCOMPARE(box.iconPixmap().isNull(), icon == int(QMessageBox::NoIcon));
         });
         message_box(u"text"_s, style, u"Title"_s);
         QCOMPARE(looked_, 1);

@@ -7,7 +7,9 @@
 
 #include <QCalendarWidget>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
+#include <QTableView>
 #include <QTest>
 #include <cmath>
 #include <limits>
@@ -140,6 +142,9 @@ private Q_SLOTS:
         auto* today = picker.calendarWidget()->findChild<QPushButton*>(u"cmdToday"_s);
         QVERIFY(today);
         QTRY_VERIFY(today->isVisible());
+        const auto* days = picker.calendarWidget()->findChild<QTableView*>();
+        QCOMPARE(days->verticalScrollBar()->maximum(), 0);
+        QVERIFY(days->height() >= 7 * picker.fontMetrics().height());
         QTest::mouseClick(today, Qt::LeftButton);
         QTRY_VERIFY(!today->isVisible());
         QCOMPARE(picker.date(), QDate::currentDate());
