@@ -133,7 +133,7 @@ void TestLinkNumbers::a_failure_is_reported_under_the_procedures_name() {
 
 void TestLinkNumbers::eight_stations_draw_every_number_once() {
     constexpr int kStations = 8;
-    constexpr int kDraws = 50;
+    constexpr int kDraws = 100;
     std::vector<std::unique_ptr<QProcess>> stations;
     for (int i = 0; i < kStations; ++i) {
         QProcess& process = *stations.emplace_back(std::make_unique<QProcess>());
@@ -144,7 +144,10 @@ void TestLinkNumbers::eight_stations_draw_every_number_once() {
         QTRY_COMPARE_WITH_TIMEOUT(process->canReadLine(), true, 30000);
     for (const auto& process : stations) {
         QCOMPARE(process->readLine(), QByteArray("ready\n"));
+    }
+    for (const auto& process : stations) {
         process->write("go\n");
+        QVERIFY(process->waitForBytesWritten());
     }
     QList<int> drawn;
     for (const auto& process : stations) {

@@ -224,6 +224,7 @@ void TestResultsQuery::the_rows_are_those_of_the_literal_statement_data() {
     QTest::addRow("few documents") << 60 << 20;
     QTest::addRow("many documents, few tags") << 4000 << 8;
     QTest::addRow("many documents, many tags") << 4000 << 400;
+    QTest::addRow("more documents than a tag has") << 9000 << 60;
 }
 
 void TestResultsQuery::the_rows_are_those_of_the_literal_statement() {
