@@ -10,6 +10,7 @@
 #include <cfenv>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <thread>
 #include <unistd.h>
@@ -129,6 +130,16 @@ void on_another_thread(void (*part)()) {
     say("came back");
 }
 
+/// The compiler may conclude that this body needs no trap.
+void fault_in_what_cannot_fail() {
+    outermost([] {
+        trapped("Module1", "Main", [] {
+            vbcsInstallFilter();
+            trapped("frmTags", "fill_grid", [] { zero = static_cast<int>(std::strlen(no_text)); });
+        });
+    });
+}
+
 void run_out_of_traps() {
     outermost([] { trapped("Module1", "Main", [] { vbcsInstallFilter(); }); });
     say("trap disarmed");
@@ -193,6 +204,7 @@ std::map<std::string, FaultCase> cases_in_a_procedure() {
 std::map<std::string, FaultCase> cases_on_their_own() {
     return {
         {"no trap armed", run_out_of_traps},
+        {"what cannot fail", fault_in_what_cannot_fail},
         {"installed twice", install_twice},
     };
 }

@@ -30,6 +30,7 @@ private slots:
     void foreign_exceptions_have_a_number_data();
     void foreign_exceptions_have_a_number();
     void traps_form_a_chain_while_they_are_armed();
+    void the_toolkits_road_into_the_program_cuts_the_chain();
     void locals_are_released_before_the_report();
     void a_report_that_cannot_be_shown_does_not_stop_the_chain();
     void an_untrapped_failure_of_a_connected_handler_ends_the_program();
@@ -199,6 +200,18 @@ void TestErrorTrap::traps_form_a_chain_while_they_are_armed() {
         QCOMPARE(Trap::innermost, &outer);
     });
     QCOMPARE(Trap::innermost, nullptr);
+}
+
+void TestErrorTrap::the_toolkits_road_into_the_program_cuts_the_chain() {
+    trapped("frmMain", "TB1_ButtonClick", [&](Trap& waiting) {
+        Trap* seen = &waiting;
+        outermost([&] { seen = Trap::innermost; });
+        QCOMPARE(seen, nullptr);
+        QCOMPARE(Trap::innermost, &waiting);
+        outermost(fail);
+        QCOMPARE(Trap::innermost, &waiting);
+    });
+    QCOMPARE(endings_, QList<int>{3078});
 }
 
 void TestErrorTrap::locals_are_released_before_the_report() {

@@ -158,6 +158,10 @@ void TestFaults::circumstances_decide_what_is_reported_data() {
             << QStringList{QStringLiteral("released inner"), QStringLiteral("released outer")} +
                    violation
             << kUntrapped;
+        row(program, "what cannot fail")
+            << QStringList{QStringLiteral("REPORT frmTags fill_grid 0: ") + kAccessViolation,
+                           violation.last()}
+            << kUntrapped;
         row(program, "under noexcept") << violation << kUntrapped;
         row(program, "error under noexcept")
             << reports(QStringLiteral("no such table (3078)")) << kUntrapped;
