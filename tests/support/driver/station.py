@@ -102,7 +102,7 @@ class Station:
         """Writes the test device's configuration; options replace or add lines."""
         lines = dict(line.split(" ", 1) for line in _TEST_CONF.splitlines())
         if self._page_delay:
-            lines |= {"read-delay": "true", "read-delay-duration": "120000"}
+            lines |= {"read-delay": "true", "read-delay-duration": "8000"}
         lines |= {key.replace("_", "-"): str(value) for key, value in options.items()}
         text = "".join(f"{key} {value}\n" for key, value in lines.items())
         (self.home / "sane/test.conf").write_text(text)
