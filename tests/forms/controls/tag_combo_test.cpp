@@ -200,6 +200,20 @@ private Q_SLOTS:
         QCOMPARE(entered, QStringList({u"Taxes"_s, u"ca"_s}));
     }
 
+    void enter_comes_where_the_focus_is() {
+        TagCombo combo;
+        fill(combo);
+        show(combo);
+        combo.setFocus();
+        int entered = 0;
+        on(&combo, &TagCombo::key_down, &combo, [&](int key) { entered += key == 13; });
+        QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget*>(&combo));
+        QTest::keyClicks(QApplication::focusWidget(), u"Deeds"_s);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QCOMPARE(combo.entered_text(), u"Deeds"_s);
+        QCOMPARE(entered, 1);
+    }
+
     void enter_takes_the_marked_completion_first() {
         TagCombo combo;
         fill(combo);
