@@ -37,7 +37,7 @@ class Clerk:
         return self.robot.window_with(CHECK, "All Dates")
 
     def chosen_tags(self, window):
-        return [row[-1] for row in self._grid(window, "Chosen tags")]
+        return [row[1] for row in self._grid(window, "Chosen tags")]
 
     def results(self, window):
         """The listed documents as (date, description)."""
@@ -109,7 +109,7 @@ class Clerk:
             robot.set_date(robot.find(DATE, "Date", window), date)
         for tag in tags:
             robot.enter_tag(robot.find(COMBO, None, window), tag)
-            robot.wait(lambda: tag in [row[-1] for row in self._grid(window, "Assigned tags")],
+            robot.wait(lambda: tag in [row[1] for row in self._grid(window, "Assigned tags")],
                        f"\"{tag}\" among the assigned tags")
 
     def save(self, window):
