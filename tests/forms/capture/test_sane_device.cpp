@@ -110,4 +110,4 @@ void SaneTestDevice::a_second_scan_gives_ten_pages_again() {
 } // namespace folidex
 
 QTEST_MAIN(folidex::SaneTestDevice)
-#include "sane_test_device_test.moc"
+#include "test_sane_device.moc"
