@@ -13,7 +13,9 @@ namespace folidex {
 
 /// A text of SANE, which is UTF-8 with newer drivers and Latin-1 with older ones.
 QString sane_text(const char* text);
-inline QString sane_text(const QByteArray& text) { return sane_text(text.constData()); }
+inline QString sane_text(const QByteArray& text) {
+    return sane_text(text.constData());
+}
 
 /// SANE's own words for a status.
 QString sane_words(const SaneApi& api, SANE_Status status);

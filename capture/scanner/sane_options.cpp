@@ -48,8 +48,8 @@ std::optional<QByteArray> SaneOptions::value(const Found& option) const {
     if (option.descriptor->size <= 0 || (option.descriptor->cap & SANE_CAP_SOFT_DETECT) == 0)
         return std::nullopt;
     QByteArray bytes(option.descriptor->size, '\0');
-    const SANE_Status status = api_.control_option(handle_, option.index, SANE_ACTION_GET_VALUE,
-                                                   bytes.data(), nullptr);
+    const SANE_Status status =
+        api_.control_option(handle_, option.index, SANE_ACTION_GET_VALUE, bytes.data(), nullptr);
     return status == SANE_STATUS_GOOD ? std::optional(bytes) : std::nullopt;
 }
 

@@ -30,9 +30,10 @@ QTemporaryFile* SanePage::plane_of(SANE_Frame format) {
     if (!plane) {
         plane = std::make_unique<QTemporaryFile>();
         if (!plane->open())
-            throw Error{kPathNotFound,
-                        QStringLiteral("The temporary file for a scanned page could not be made: ") +
-                            plane->errorString()};
+            throw Error{
+                kPathNotFound,
+                QStringLiteral("The temporary file for a scanned page could not be made: ") +
+                    plane->errorString()};
     }
     return plane.get();
 }

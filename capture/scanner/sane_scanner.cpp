@@ -164,9 +164,9 @@ bool SaneScanner::open_source() {
             device->close();
     };
     device_ = device;
-    const bool opened = run(ScanControl::Phase::kOpening, QApplication::activeWindow(), kShowAfter,
-                            work) &&
-                        *usable;
+    const bool opened =
+        run(ScanControl::Phase::kOpening, QApplication::activeWindow(), kShowAfter, work) &&
+        *usable;
     if (!opened)
         close_device();
     return opened;
@@ -192,7 +192,7 @@ void SaneScanner::acquire(QWidget* parent) {
     const auto pages = std::make_shared<PageSpool>();
     const auto device = device_;
     const auto work = [device, pages, who = who_, wishes = wishes_](const SaneApi& api,
-                                                                     ScanControl& operation) {
+                                                                    ScanControl& operation) {
         struct Closing {
             SaneDevice& device;
             ~Closing() { device.close(); }

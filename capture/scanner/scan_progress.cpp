@@ -140,13 +140,11 @@ ScanProgress::Outcome ScanProgress::run(std::shared_ptr<ScanControl> operation, 
     timer_.start(kFollowEvery);
     follow();
     while (!ended_) {
-        if (wanted(operation_->state()))
-            show();
         QEventLoop loop;
         loop_ = &loop;
         // Until the window covers the form, clicks wait: they must not begin a second scan.
-        const int left = loop.exec(isVisible() ? QEventLoop::AllEvents
-                                               : QEventLoop::ExcludeUserInputEvents);
+        const int left =
+            loop.exec(isVisible() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
         loop_ = nullptr;
         if (left != kLoopLeft) {
             // The program is being ended; nobody waits for the scanner any more.
@@ -178,13 +176,17 @@ void ScanProgress::follow() {
         return;
     }
     refresh(state);
+    if (!isVisible() && wanted(state)) {
+        show();
+        // Back in with clicks let through.
+        if (loop_)
+            loop_->exit(kLoopLeft);
+    }
     if (since_cancel_.isValid() && since_cancel_.hasExpired(kGiveUpAfter)) {
         leave(Outcome::kNoAnswer);
     } else if (nudge_ && since_cancel_.isValid() && since_cancel_.hasExpired(kNudgeAfter)) {
         std::exchange(nudge_, {})();
     }
-    if (loop_ && !isVisible() && wanted(state))
-        loop_->exit(kLoopLeft);
 }
 
 void ScanProgress::leave(Outcome outcome) {
@@ -196,13 +198,21 @@ void ScanProgress::leave(Outcome outcome) {
 
 void ScanProgress::refresh(const ScanControl::State& state) {
     const bool asking = state.trouble.has_value();
-    if (asking && stack->currentWidget() != lblTrouble)
-        show_trouble(*state.trouble);
-    if (!asking)
+    const auto offer_ways_on = [this](bool on) {
+        for (QPushButton* button : {cmdContinue, cmdKeepPages, cmdDiscardPages})
+            button->setVisible(on);
+    };
+    // Hidden before shown: with all four in one row the window would grow for good.
+    if (asking) {
+        cmdCancelScan->setVisible(false);
+        offer_ways_on(true);
+        if (stack->currentWidget() != lblTrouble)
+            show_trouble(*state.trouble);
+    } else {
+        offer_ways_on(false);
+        cmdCancelScan->setVisible(true);
         show_progress(state);
-    for (QPushButton* button : {cmdContinue, cmdKeepPages, cmdDiscardPages})
-        button->setVisible(asking);
-    cmdCancelScan->setVisible(!asking);
+    }
 }
 
 void ScanProgress::show_trouble(const ScanControl::Trouble& trouble) {
@@ -215,7 +225,6 @@ void ScanProgress::show_trouble(const ScanControl::Trouble& trouble) {
             .arg(trouble.words));
     cmdKeepPages->setEnabled(trouble.pages_so_far > 0);
     stack->setCurrentWidget(lblTrouble);
-    cmdContinue->setVisible(true);
     cmdContinue->setDefault(true);
     cmdContinue->setFocus();
     QApplication::alert(this);

@@ -94,9 +94,15 @@ struct ScriptedSane::Script {
     }
 
     const SANE_Option_Descriptor* descriptor(SANE_Handle handle, SANE_Int index) {
-        static const SANE_Option_Descriptor count{
-            "", "", "", SANE_TYPE_INT, SANE_UNIT_NONE, sizeof(SANE_Word), SANE_CAP_SOFT_DETECT,
-            SANE_CONSTRAINT_NONE, {}};
+        static const SANE_Option_Descriptor count{"",
+                                                  "",
+                                                  "",
+                                                  SANE_TYPE_INT,
+                                                  SANE_UNIT_NONE,
+                                                  sizeof(SANE_Word),
+                                                  SANE_CAP_SOFT_DETECT,
+                                                  SANE_CONSTRAINT_NONE,
+                                                  {}};
         if (index == 0)
             return &count;
         auto& described = options[at(handle).device];
@@ -135,8 +141,8 @@ struct ScriptedSane::Script {
         OpenDevice& open = at(handle);
         ScriptedDevice& device = devices[open.device];
         const QByteArray source = text(open.device, "source");
-        const bool feeds = source.contains("ADF") || source.contains("Feeder") ||
-                           device.type.contains("sheetfed");
+        const bool feeds =
+            source.contains("ADF") || source.contains("Feeder") || device.type.contains("sheetfed");
         auto& frames = feeds ? device.feeder : device.glass;
         if (frames.empty())
             return SANE_STATUS_NO_DOCS;
@@ -237,8 +243,9 @@ SaneApi ScriptedSane::api() const {
         return script->descriptor(handle, option);
     };
     api.control_option = [script](SANE_Handle handle, SANE_Int option, SANE_Action action,
-                                  void* value,
-                                  SANE_Int*) { return script->control(handle, option, action, value); };
+                                  void* value, SANE_Int*) {
+        return script->control(handle, option, action, value);
+    };
     api.get_parameters = [](SANE_Handle handle, SANE_Parameters* parameters) {
         *parameters = Script::at(handle).frame->parameters;
         return SANE_STATUS_GOOD;

@@ -87,8 +87,7 @@ void SaneTestDevice::a_ten_page_feeder_scan_becomes_a_pdf_of_ten_pages() {
     QVERIFY2(size.hasMatch(), qPrintable(info));
     constexpr double kMillimetresAPoint = 25.4 / 72;
     QVERIFY2(qAbs(size.captured(1).toDouble() * kMillimetresAPoint - 80) <= 0.5, qPrintable(info));
-    QVERIFY2(qAbs(size.captured(2).toDouble() * kMillimetresAPoint - 100) <= 0.5,
-             qPrintable(info));
+    QVERIFY2(qAbs(size.captured(2).toDouble() * kMillimetresAPoint - 100) <= 0.5, qPrintable(info));
 
     const QString picture = folder.filePath(QStringLiteral("page"));
     const QString drawn = run(QStringLiteral("pdftoppm"),

@@ -150,8 +150,8 @@ void SaneAcquisitionTest::both_sides_are_read_where_the_device_can_data() {
                                           << false << QByteArray("ADF") << QByteArray();
     QTest::newRow("a switch") << Names{"Flatbed", "ADF"} << QByteArray("duplex") << true
                               << QByteArray("ADF") << on;
-    QTest::newRow("a switch, not wanted") << Names{"Flatbed", "ADF"} << QByteArray("duplex")
-                                          << false << QByteArray("ADF") << off;
+    QTest::newRow("a switch, not wanted")
+        << Names{"Flatbed", "ADF"} << QByteArray("duplex") << false << QByteArray("ADF") << off;
     QTest::newRow("a mode") << Names{"Flatbed", "ADF"} << QByteArray("adf-mode") << true
                             << QByteArray("ADF") << QByteArray("Duplex");
 }
@@ -352,8 +352,8 @@ void SaneAcquisitionTest::a_failure_names_the_device_and_what_to_do_data() {
                              << 70;
     QTest::newRow("busy") << int{SANE_STATUS_DEVICE_BUSY} << false << QStringLiteral("until it is")
                           << 68;
-    QTest::newRow("no memory") << int{SANE_STATUS_NO_MEM} << true << QStringLiteral("other programs")
-                               << 7;
+    QTest::newRow("no memory") << int{SANE_STATUS_NO_MEM} << true
+                               << QStringLiteral("other programs") << 7;
     QTest::newRow("nonsense") << int{SANE_STATUS_INVAL} << false << check << 68;
 }
 

@@ -94,9 +94,9 @@ void SaneOptionsTest::sources_that_read_alike_carry_their_device_names() {
     const QList<SaneSource> sources{{"usb:1", QStringLiteral("Acme"), QStringLiteral("X1"), {}},
                                     {"usb:2", QStringLiteral("Acme"), QStringLiteral("X2"), {}},
                                     {"net:1", QStringLiteral("Acme"), QStringLiteral("X1"), {}}};
-    QCOMPARE(source_names(sources), QStringList({QStringLiteral("Acme X1 (usb:1)"),
-                                                 QStringLiteral("Acme X2"),
-                                                 QStringLiteral("Acme X1 (net:1)")}));
+    QCOMPARE(source_names(sources),
+             QStringList({QStringLiteral("Acme X1 (usb:1)"), QStringLiteral("Acme X2"),
+                          QStringLiteral("Acme X1 (net:1)")}));
 }
 
 void SaneOptionsTest::a_source_without_names_goes_by_its_device_name() {

@@ -129,8 +129,8 @@ void SaneRowsTest::a_frame_that_cannot_be_is_refused() {
     QFETCH(int, pixels);
     QFETCH(int, line_bytes);
     QFETCH(QString, word);
-    const SANE_Parameters parameters{static_cast<SANE_Frame>(format), SANE_TRUE, line_bytes,
-                                     pixels,                          2,         depth};
+    const SANE_Parameters parameters{
+        static_cast<SANE_Frame>(format), SANE_TRUE, line_bytes, pixels, 2, depth};
     try {
         SaneRows rows(parameters);
         QFAIL("it was taken");
