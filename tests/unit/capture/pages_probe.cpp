@@ -20,9 +20,9 @@ using namespace folidex;
 
 namespace {
 
-constexpr int kWidth = 1240;
-constexpr int kHeight = 1754;
-constexpr double kResolution = 150;
+constexpr int kWidth = 616;
+constexpr int kHeight = 880;
+constexpr double kResolution = 75;
 
 PixelType pixel_type(const QString& name) {
     if (name == QStringLiteral("1-bit"))
@@ -33,11 +33,14 @@ PixelType pixel_type(const QString& name) {
 EncodedPage scan_page(PixelType type, quint32 seed) {
     PageEncoder encoder({type, kWidth, 0, kResolution, kResolution});
     QRandomGenerator random(seed);
-    QByteArray row(static_cast<qsizetype>(PageFormat{type, kWidth}.bytes_per_row()), '\0');
+    // Noise, so that pages held in memory would show; every row of it comes eight times.
+    std::vector<quint32> noise(PageFormat{type, kWidth}.bytes_per_row() / sizeof(quint32) + 1);
     for (int y = 0; y < kHeight; ++y) {
-        row[static_cast<qsizetype>(random.bounded(static_cast<int>(row.size())))] =
-            static_cast<char>(random.bounded(256));
-        encoder.add_rows(row);
+        if (y % 8 == 0)
+            random.fillRange(noise.data(), static_cast<qsizetype>(noise.size()));
+        encoder.add_rows(
+            QByteArrayView(reinterpret_cast<const char*>(noise.data()),
+                           static_cast<qsizetype>(PageFormat{type, kWidth}.bytes_per_row())));
     }
     return encoder.finish();
 }

@@ -35,6 +35,7 @@ private slots:
     void a_page_that_cannot_be_is_refused_data();
     void a_page_that_cannot_be_is_refused();
     void a_document_without_pages_is_refused();
+    void memory_does_not_grow_with_the_pages_data();
     void memory_does_not_grow_with_the_pages();
 
 private:
@@ -134,8 +135,10 @@ void TestPdfWriter::pages_have_the_size_of_the_paper() {
     QFETCH(double, y_resolution);
     const double inch = 25.4;
     const QString pdf = path(QStringLiteral("size.pdf"));
-    write_pdf(pdf, {page_of(PixelType::kBilevel, qRound(wide / inch * x_resolution),
-                            qRound(high / inch * y_resolution), x_resolution, y_resolution)});
+    const PageFormat format{PixelType::kBilevel, qRound(wide / inch * x_resolution),
+                            qRound(high / inch * y_resolution), x_resolution, y_resolution};
+    const auto bytes = format.bytes_per_row() * static_cast<std::size_t>(format.height);
+    write_pdf(pdf, {encode(format, QByteArray(static_cast<qsizetype>(bytes), '\0'))});
     const Said said = run(QStringLiteral("pdfinfo"), {pdf});
     QCOMPARE(said.exit_code, 0);
     const QRegularExpression size(QStringLiteral("Page size: +([0-9.]+) x ([0-9.]+) pts"));
@@ -284,20 +287,33 @@ void TestPdfWriter::a_document_without_pages_is_refused() {
     QVERIFY_EXCEPTION_THROWN(writer.finish(), Error);
 }
 
+void TestPdfWriter::memory_does_not_grow_with_the_pages_data() {
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<int>("pages");
+    QTest::newRow("200 pages of 1 bit") << QStringLiteral("1-bit") << 200;
+    QTest::newRow("40 colour pages") << QStringLiteral("colour") << 40;
+}
+
 void TestPdfWriter::memory_does_not_grow_with_the_pages() {
-    const auto peak = [&](const char* kind, int pages) {
-        const QString pdf = path(QStringLiteral("memory.pdf"));
-        const Said said =
-            run(QStringLiteral(PAGES_PROBE),
-                {QStringLiteral("pdf"), QString::fromLatin1(kind), QString::number(pages), pdf});
+    QFETCH(QString, kind);
+    QFETCH(int, pages);
+    // A build under the address sanitizer keeps freed memory back, which is not what is asked.
+    qputenv("ASAN_OPTIONS",
+            "detect_leaks=0:quarantine_size_mb=0:thread_local_quarantine_size_kb=0");
+    const QString pdf = path(QStringLiteral("memory.pdf"));
+    const auto peak = [&](int count) {
+        const Said said = run(QStringLiteral(PAGES_PROBE),
+                              {QStringLiteral("pdf"), kind, QString::number(count), pdf});
         return said.text.trimmed().toInt();
     };
-    const int one = peak("colour", 1);
+    const int one = peak(1);
     QVERIFY(one > 0);
-    const int forty = peak("colour", 40);
-    QVERIFY2(forty > 0 && forty <= one * 11 / 10,
-             qPrintable(QStringLiteral("%1 KB, then %2 KB").arg(one).arg(forty)));
-    QCOMPARE(complaints(path(QStringLiteral("memory.pdf"))), QString());
+    const int many = peak(pages);
+    QVERIFY2(many > 0 && many <= one * 11 / 10,
+             qPrintable(QStringLiteral("%1 KB, then %2 KB").arg(one).arg(many)));
+    QCOMPARE(complaints(pdf), QString());
+    const Said said = run(QStringLiteral("pdfinfo"), {pdf});
+    QVERIFY(said.text.contains(QRegularExpression(QStringLiteral("Pages: +%1\\s").arg(pages))));
 }
 
 QTEST_GUILESS_MAIN(TestPdfWriter)
