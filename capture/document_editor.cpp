@@ -142,8 +142,8 @@ void frmScanNew::show_mode() {
 void frmScanNew::cmdAdd_Click() {
     trapped("frmScanNew", "cmdAdd_Click", [this] {
         if (cmbTags->entered_text().isEmpty()) {
-            message_box(u"Please or select a valid tag in the drop down list."_s,
-                        kInformationIcon, u"Error"_s);
+            message_box(u"Please or select a valid tag in the drop down list."_s, kInformationIcon,
+                        u"Error"_s);
             cmbTags->setFocus();
             return;
         }

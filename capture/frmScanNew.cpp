@@ -33,6 +33,7 @@ namespace {
 /// Longer than any text that a station could have stored.
 constexpr int kLongestText = 1 << 30;
 constexpr int kRemovePicture = 16;
+constexpr int kButtonPadding = 16;
 constexpr int kTimerInterval = 100;
 
 } // namespace
@@ -90,8 +91,8 @@ void frmScanNew::dress_controls() {
     cmbTags->lineEdit()->setMaxLength(kLongestText);
     txtDescription->setMinimumWidth(fontMetrics().averageCharWidth() * 56);
 
-    Picture1->setPixmap(icon(u"remove"_s).pixmap(QSize(kRemovePicture, kRemovePicture),
-                                                 devicePixelRatioF()));
+    Picture1->setPixmap(
+        icon(u"remove"_s).pixmap(QSize(kRemovePicture, kRemovePicture), devicePixelRatioF()));
     fg1->set_layout(3, 0);
     fg1->setColumnHidden(2, true);
     fg1->setColumnWidth(0, kRemovePicture + 12);
@@ -105,7 +106,7 @@ void frmScanNew::dress_controls() {
     auto* hint_place = new QVBoxLayout(fg1->viewport());
     hint_place->addWidget(lblTagHint);
 
-    cmdScan->setIcon(icon(u"scan"_s));
+    cmdScan->setIcon(icon(u"document"_s));
     cmdView->setIcon(icon(u"view"_s));
     // The longer of its two captions, so that nothing moves when a document arrives.
     lblScan->setText(u"Re-Scan"_s);
@@ -119,7 +120,7 @@ void frmScanNew::dress_controls() {
     for (const QPushButton* button : row)
         width = std::max(width, button->sizeHint().width());
     for (QPushButton* button : row)
-        button->setMinimumWidth(width);
+        button->setMinimumWidth(width + kButtonPadding);
 }
 
 void frmScanNew::connect_controls() {

@@ -33,8 +33,8 @@ public:
     PlannedBoxes boxes;
     std::shared_ptr<ScannerScript> scanner = std::make_shared<ScannerScript>();
     QDateTime now{{2009, 10, 12}, {14, 30, 5}};
-    QStringList opened;   ///< targets that the link control was given
-    QList<int> ended;     ///< numbers of failures that would have ended the program
+    QStringList opened; ///< targets that the link control was given
+    QList<int> ended;   ///< numbers of failures that would have ended the program
     std::unique_ptr<frmScanNew> form;
 
     /// Opens the form for a document, or a new one, and waits until it is loaded.
@@ -78,7 +78,9 @@ public:
     /// A complete new document, ready to save.
     void fill_in(const QString& text, const QString& tag);
 
-    QString temporary_scan() const { return station.app_data() + QStringLiteral("/current_scan.pdf"); }
+    QString temporary_scan() const {
+        return station.app_data() + QStringLiteral("/current_scan.pdf");
+    }
     /// The text of a filed PDF, "<none>" when there is none.
     QString filed(const QString& location, const QString& name) const;
     void put_file(const QString& location, const QString& name, const QByteArray& content) const;

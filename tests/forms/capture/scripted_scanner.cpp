@@ -98,9 +98,8 @@ void ScriptedScanner::write_pdf(const QString& path) {
     note(u"write "_s + path);
     if (script_->full_disk)
         throw *script_->full_disk;
-    write_file(path, u"scan %1: pages %2"_s.arg(script_->acquisitions)
-                         .arg(appended_.join(u' '))
-                         .toUtf8());
+    write_file(
+        path, u"scan %1: pages %2"_s.arg(script_->acquisitions).arg(appended_.join(u' ')).toUtf8());
 }
 
 } // namespace folidex::test

@@ -11,9 +11,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QStringList kTabOrder{u"txtDescription"_s, u"dt"_s,       u"cmbTags"_s,  u"cmdAdd"_s,
-                            u"fg1"_s,            u"cmdScan"_s,  u"cmdView"_s,  u"cmdSave"_s,
-                            u"cmdSave2"_s,       u"cmdDrop"_s,  u"cmdCancel"_s, u"cmdHelp"_s};
+const QStringList kTabOrder{
+    u"txtDescription"_s, u"dt"_s,      u"cmbTags"_s,  u"cmdAdd"_s,  u"fg1"_s,       u"cmdScan"_s,
+    u"cmdView"_s,        u"cmdSave"_s, u"cmdSave2"_s, u"cmdDrop"_s, u"cmdCancel"_s, u"cmdHelp"_s};
 
 } // namespace
 
@@ -70,9 +70,10 @@ private Q_SLOTS:
     void every_control_has_a_name_to_be_read_aloud_data() {
         QTest::addColumn<QString>("control");
         QTest::addColumn<QString>("name");
-        const QStringList names{u"Description"_s, u"Date"_s, u"Tags"_s,       u"Add"_s,
-                                u"Assigned tags"_s, u"Scan"_s, u"View"_s,     u"Save"_s,
-                                u"Save & New"_s,  u"Retain tags menu"_s, u"Cancel"_s, u"Help"_s};
+        const QStringList names{
+            u"Description"_s, u"Date"_s, u"Tags"_s, u"Add"_s,        u"Assigned tags"_s,
+            u"Scan"_s,        u"View"_s, u"Save"_s, u"Save & New"_s, u"Retain tags menu"_s,
+            u"Cancel"_s,      u"Help"_s};
         for (qsizetype k = 0; k < names.size(); ++k)
             QTest::newRow(qPrintable(kTabOrder[k])) << kTabOrder[k] << names[k];
     }

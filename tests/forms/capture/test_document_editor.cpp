@@ -80,8 +80,8 @@ private Q_SLOTS:
         QVERIFY(!timer->isActive());
         QCOMPARE(desk_->form->windowTitle(), u"Edit Scan"_s);
         QCOMPARE(desk_->date()->date(), QDate(2010, 3, 1));
-        QCOMPARE(desk_->assigned_tags(), QStringList({u"Letters=%1"_s.arg(letters),
-                                                      u"Bills=%1"_s.arg(bills)}));
+        QCOMPARE(desk_->assigned_tags(),
+                 QStringList({u"Letters=%1"_s.arg(letters), u"Bills=%1"_s.arg(bills)}));
         QCOMPARE(scan_label(), u"Re-Scan"_s);
         QVERIFY(can_view());
     }
@@ -163,7 +163,8 @@ private Q_SLOTS:
         QFETCH(QString, stored);
         database().execute(
             u"INSERT INTO scans ([link], [description], [date], [fname], [location]) VALUES "
-            "(900, 'Old', "_s + stored + u", 'a.pdf', '1009')"_s);
+            "(900, 'Old', "_s +
+            stored + u", 'a.pdf', '1009')"_s);
         desk_->open(900);
         QCOMPARE(desk_->description()->text(), u"Old"_s);
         QCOMPARE(desk_->date()->value(), kOctober12);
@@ -361,8 +362,9 @@ void TestDocumentEditor::any_description_is_filed_and_loaded_unchanged_data() {
     QTest::newRow("markup") << u"<b>bold</b>"_s;
     QTest::newRow("line breaks") << u"first\nsecond\r\nthird\tfourth"_s;
     QTest::newRow("right to left") << QString::fromUtf8("עברית وعربي \xE2\x80\x8F.");
-    QTest::newRow("emoji") << QString::fromUtf8("\xF0\x9F\x93\x84 \xF0\x9F\x91\xA9\xE2\x80\x8D"
-                                                "\xF0\x9F\x91\xA7 \xF0\x9F\x87\xA9\xF0\x9F\x87\xAA");
+    QTest::newRow("emoji") << QString::fromUtf8(
+        "\xF0\x9F\x93\x84 \xF0\x9F\x91\xA9\xE2\x80\x8D"
+        "\xF0\x9F\x91\xA7 \xF0\x9F\x87\xA9\xF0\x9F\x87\xAA");
     QTest::newRow("32,000 characters") << QString(31000, u'x') + QString(1000, u'\'');
     QTest::newRow("40,000 characters") << QString(40000, u'y');
 }

@@ -40,15 +40,6 @@ class TestFilingADocument : public QObject {
         QVERIFY(desk_->boxes.verify());
         QVERIFY(desk_->form->isVisible());
     }
-    // A failure in save_me passes the button's procedure and would end the program there.
-    void fails_in_save_me(int number, const char* button, const QString& procedure) {
-        desk_->boxes.expect_report(u"frmScanNew"_s, u"save_me"_s, number);
-        desk_->boxes.expect_report(u"frmScanNew"_s, procedure, kPassedOn);
-        desk_->click(button);
-        QVERIFY(desk_->boxes.verify());
-        QCOMPARE(desk_->ended, QList<int>({kPassedOn}));
-        desk_->ended.clear();
-    }
 
 private Q_SLOTS:
     void init() { desk_ = std::make_unique<CaptureDesk>(); }
@@ -259,13 +250,13 @@ private Q_SLOTS:
         desk_->click("cmdSave");
         QCOMPARE(tagged().first(before.size()), before);
         QCOMPARE(tagged().size(), before.size() + 1);
-        QCOMPARE(desk_->station.rows(u"Select tag from tagged where scan = "_s +
-                                     QString::number(link)),
-                 QStringList({QString::number(tags[2]), QString::number(tags[0]),
-                              QString::number(tags[1])}));
-        QCOMPARE(desk_->station.rows(u"Select tag from tagged where scan = "_s +
-                                     QString::number(other)),
-                 QStringList(QString::number(tags[1])));
+        QCOMPARE(
+            desk_->station.rows(u"Select tag from tagged where scan = "_s + QString::number(link)),
+            QStringList(
+                {QString::number(tags[2]), QString::number(tags[0]), QString::number(tags[1])}));
+        QCOMPARE(
+            desk_->station.rows(u"Select tag from tagged where scan = "_s + QString::number(other)),
+            QStringList(QString::number(tags[1])));
     }
 
     void a_new_month_gets_its_folder_and_the_next_document_uses_it() {
@@ -279,53 +270,6 @@ private Q_SLOTS:
             QVERIFY(QDir(folder).exists());
         }
         QCOMPARE(desk_->files(u"0131"_s).size(), 2);
-    }
-
-    // The rows of a new document are written before its file is copied, and nothing is undone.
-    void a_failing_copy_leaves_the_rows_of_a_new_document_and_its_scan() {
-        desk_->open();
-        desk_->fill_in(u"Letter"_s, u"Letters"_s);
-        const int link = desk_->station.value(u"Select NewLink from comp"_s).toInt();
-        QVERIFY(QDir().mkpath(document_path(u"1009"_s, u"101209143005_%1.pdf/x"_s.arg(link))));
-        fails_in_save_me(kInternalError, "cmdSave", u"cmdSave_Click"_s);
-        QCOMPARE(scans().size(), 1);
-        QCOMPARE(tagged().size(), 1);
-        QCOMPARE(desk_->station.value(u"Select NewLink from comp"_s).toInt(), link + 1);
-        QCOMPARE(content_of(desk_->temporary_scan()), u"scan 1: pages 1"_s);
-        QCOMPARE(desk_->description()->text(), u"Letter"_s);
-        QVERIFY(desk_->form->isVisible());
-    }
-
-    // The file of an edited document is replaced before its rows are written.
-    void a_failing_copy_leaves_the_rows_of_an_edited_document_without_its_old_pages() {
-        const int letters = desk_->station.add_tag(u"Letters"_s);
-        const int link =
-            desk_->station.add_document(u"Old"_s, kOctober12, {letters}, u"1009"_s, u"a.pdf"_s);
-        desk_->put_file(u"1009"_s, u"a.pdf"_s, "filed pages");
-        const QStringList before = tagged();
-        desk_->open(link);
-        desk_->describe(u"New"_s);
-        desk_->add_tag(u"More"_s);
-        desk_->scan();
-        QVERIFY(QFile::remove(desk_->temporary_scan()));
-        fails_in_save_me(kFileNotFound, "cmdSave2", u"cmdSave2_Click"_s);
-        QVERIFY(desk_->boxes.shown().size() >= 2);
-        QCOMPARE(desk_->filed(u"1009"_s, u"a.pdf"_s), u"<none>"_s);
-        QCOMPARE(scans(), QStringList(u"Old|40098|a.pdf|1009"_s));
-        QCOMPARE(tagged(), before);
-    }
-
-    void a_folder_that_cannot_be_made_is_named_and_writes_nothing() {
-        desk_->open();
-        desk_->fill_in(u"Letter"_s, u"Letters"_s);
-        QFile in_the_way(desk_->station.data_folder() + u"/scanned_files/0131"_s);
-        QVERIFY(in_the_way.open(QIODevice::WriteOnly));
-        desk_->set_date({2031, 1, 1});
-        fails_in_save_me(kFileExists, "cmdSave", u"cmdSave_Click"_s);
-        const QList<ShownBox> shown = desk_->boxes.shown();
-        QVERIFY(shown.at(shown.size() - 2).prompt.contains(in_the_way.fileName()));
-        QCOMPARE(scans(), QStringList());
-        QCOMPARE(content_of(desk_->temporary_scan()), u"scan 1: pages 1"_s);
     }
 
     void save_and_new_goes_on_with_an_empty_form() {
@@ -401,7 +345,7 @@ private Q_SLOTS:
 
 private:
     static QStringList menu_with(bool kept) {
-        return {u"!After you click 'Save && New...'"_s, u"-"_s,
+        return {u"!After you click 'Save & New...'"_s, u"-"_s,
                 kept ? u"*Keep the previous tags"_s : u"Keep the previous tags"_s,
                 kept ? u"Clear all tags"_s : u"*Clear all tags"_s};
     }

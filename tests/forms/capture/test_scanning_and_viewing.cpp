@@ -47,8 +47,8 @@ private Q_SLOTS:
     void the_menu_lists_the_scanners_in_their_order() {
         desk_->open();
         desk_->click("cmdScan");
-        QCOMPARE(desk_->menu(), QStringList({u"!Select which scanner"_s, u"-"_s, u"Front desk"_s,
-                                             u"Archive"_s}));
+        QCOMPARE(desk_->menu(),
+                 QStringList({u"!Select which scanner"_s, u"-"_s, u"Front desk"_s, u"Archive"_s}));
     }
 
     void a_scanner_is_found_by_all_digits_of_its_number() {
@@ -76,12 +76,12 @@ private Q_SLOTS:
         desk_->scanner->duplex = true;
         desk_->open();
         desk_->scan(u"Archive"_s);
-        QCOMPARE(desk_->scanner->calls,
-                 QStringList({u"feeder on"_s, u"auto feed on"_s, u"progress on"_s, u"duplex?"_s,
-                              u"duplex on"_s, u"source 1"_s, u"open"_s, u"until empty on"_s,
-                              u"discard"_s, u"acquire over frmScanNew"_s, u"select 1"_s,
-                              u"append 1"_s, u"select 2"_s, u"append 2"_s,
-                              u"write "_s + desk_->temporary_scan()}));
+        QCOMPARE(
+            desk_->scanner->calls,
+            QStringList({u"feeder on"_s, u"auto feed on"_s, u"progress on"_s, u"duplex?"_s,
+                         u"duplex on"_s, u"source 1"_s, u"open"_s, u"until empty on"_s,
+                         u"discard"_s, u"acquire over frmScanNew"_s, u"select 1"_s, u"append 1"_s,
+                         u"select 2"_s, u"append 2"_s, u"write "_s + desk_->temporary_scan()}));
     }
 
     void one_sided_scanners_are_not_asked_for_both_sides() {
@@ -147,8 +147,7 @@ private Q_SLOTS:
     void a_failing_scanner_says_why_in_its_own_words() {
         desk_->open();
         desk_->scanner->jam = Error{7, u"Front desk: the document feeder is jammed."_s};
-        desk_->boxes.expect(u"Front desk: the document feeder is jammed."_s, kOkOnly,
-                            u"Folidex"_s);
+        desk_->boxes.expect(u"Front desk: the document feeder is jammed."_s, kOkOnly, u"Folidex"_s);
         desk_->scan();
         QCOMPARE(scan_label(), u"Scan"_s);
         QVERIFY(!can_view());
@@ -203,8 +202,8 @@ private Q_SLOTS:
         desk_->choose(u"My new scan"_s);
         desk_->click("cmdView");
         desk_->choose(u"The scan on file."_s);
-        QCOMPARE(desk_->opened, QStringList({desk_->temporary_scan(),
-                                             document_path(u"1009"_s, u"a.pdf"_s)}));
+        QCOMPARE(desk_->opened,
+                 QStringList({desk_->temporary_scan(), document_path(u"1009"_s, u"a.pdf"_s)}));
     }
 
     void help_opens_the_help_page() {

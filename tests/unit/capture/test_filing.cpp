@@ -31,10 +31,10 @@ private Q_SLOTS:
         QTest::addColumn<QDateTime>("moment");
         QTest::addColumn<int>("link");
         QTest::addColumn<QString>("name");
-        QTest::newRow("afternoon") << QDateTime({2009, 10, 12}, {14, 30, 5}) << 57
-                                   << u"101209143005_57.pdf"_s;
-        QTest::newRow("midnight is 00") << QDateTime({2031, 1, 2}, {0, 0, 0}) << 1
-                                        << u"010231000000_1.pdf"_s;
+        QTest::newRow("afternoon")
+            << QDateTime({2009, 10, 12}, {14, 30, 5}) << 57 << u"101209143005_57.pdf"_s;
+        QTest::newRow("midnight is 00")
+            << QDateTime({2031, 1, 2}, {0, 0, 0}) << 1 << u"010231000000_1.pdf"_s;
         QTest::newRow("no padding, no grouping")
             << QDateTime({1999, 12, 31}, {23, 59, 59}) << 1234567 << u"123199235959_1234567.pdf"_s;
     }
@@ -65,8 +65,9 @@ private Q_SLOTS:
     }
 
     void a_changed_document_keeps_folder_and_name() {
-        QCOMPARE(update_document_statement(57, u"O'Brien"_s, 40239),
-                 u"UPDATE scans SET Description = 'O''Brien', scans.date = 40239 WHERE link = 57"_s);
+        QCOMPARE(
+            update_document_statement(57, u"O'Brien"_s, 40239),
+            u"UPDATE scans SET Description = 'O''Brien', scans.date = 40239 WHERE link = 57"_s);
     }
 
     void a_tag_is_the_leading_number_of_the_grid_text_data() {
