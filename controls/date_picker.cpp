@@ -13,6 +13,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QStyleOptionComboBox>
+#include <QToolButton>
 #include <QWheelEvent>
 #include <cmath>
 
@@ -50,6 +51,7 @@ DatePicker::DatePicker(QWidget* parent) : QDateTimeEdit(parent) {
     // Half-typed years are no dates to search by; the date counts when the field is left.
     setKeyboardTracking(false);
     setFocusPolicy(Qt::StrongFocus);
+    draw_plain_arrows();
     add_today_button();
     setDate(QDate::currentDate());
     value_ = day_number(date());
@@ -60,6 +62,21 @@ DatePicker::DatePicker(QWidget* parent) : QDateTimeEdit(parent) {
         value_ = day_number(date, former.time());
         Q_EMIT change();
     });
+}
+
+// The arrows of the style, sharp at every scale, in place of its old pictures.
+void DatePicker::draw_plain_arrows() {
+    const auto draw = [this](const QString& name, Qt::ArrowType arrow) {
+        if (auto* button = calendarWidget()->findChild<QToolButton*>(name)) {
+            button->setIcon(QIcon());
+            button->setArrowType(arrow);
+            QPalette on_the_bar = button->palette();
+            on_the_bar.setColor(QPalette::ButtonText, on_the_bar.color(QPalette::HighlightedText));
+            button->setPalette(on_the_bar);
+        }
+    };
+    draw(u"qt_calendar_prevmonth"_s, isRightToLeft() ? Qt::RightArrow : Qt::LeftArrow);
+    draw(u"qt_calendar_nextmonth"_s, isRightToLeft() ? Qt::LeftArrow : Qt::RightArrow);
 }
 
 void DatePicker::add_today_button() {

@@ -34,6 +34,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
+    void draw_plain_arrows();
     void add_today_button();
     void open_calendar();
 
