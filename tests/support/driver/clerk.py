@@ -57,12 +57,16 @@ class Clerk:
         """Types a tag into the filter."""
         robot = self.robot
         robot.enter_tag(robot.find(COMBO, None, window), tag)
-        robot.wait(lambda: tag in self.chosen_tags(window), f"\"{tag}\" among the chosen tags")
+        robot.wait(lambda: tag.casefold() in [chosen.casefold() for chosen
+                                              in self.chosen_tags(window)],
+                   f"\"{tag}\" among the chosen tags")
 
     def wait_results(self, window, condition, what):
-        return self.robot.wait(
-            lambda: (lambda listed: listed if condition(listed) else None)(self.results(window)),
-            what)
+        def look():
+            listed = self.results(window)
+            # In a tuple, because an empty list would count as no result.
+            return (listed,) if condition(listed) else None
+        return self.robot.wait(look, what)[0]
 
     def close_main(self, window):
         robot = self.robot

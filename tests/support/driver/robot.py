@@ -226,10 +226,6 @@ class Robot:
             texts.append(line)
         return texts
 
-    def wait_cells(self, table, condition, what):
-        return self.wait(lambda: (lambda all_cells: all_cells if condition(all_cells) else None)(
-            self.cells(table)), what)
-
     # -- pop-up menus
 
     def open_menu(self, button):
