@@ -17,7 +17,6 @@ namespace folidex {
 namespace {
 
 constexpr int kColumns = 5;
-constexpr int kLinkColumn = 4;
 // So few documents are looked up one by one without asking what else could be done.
 constexpr std::size_t kFew = 500;
 // Reading all documents in turn beats looking up more than one of so many.
@@ -95,6 +94,10 @@ private:
         return false;
     }
 
+    bool is_far_below(qint64 documents) const {
+        return static_cast<qint64>(links_.size()) * kScanInsteadOfLookUps < documents;
+    }
+
     void collect_all(Statement& tagged) {
         while (!collect(tagged, std::numeric_limits<qint64>::max())) {
         }
@@ -102,11 +105,12 @@ private:
 
     void read_range(Statement& tagged) {
         if (!collect(tagged, in_range_ * kTaggedRowsALookUp))
+            // The plus keeps SQLite from one search for every tag; a document has few of its own.
             read_in_order(QStringLiteral(" AND EXISTS (SELECT 1 FROM tagged WHERE scan = link AND "
-                                         "tag IN (%1))")
+                                         "+tag IN (%1))")
                               .arg(query_.tags),
                           false);
-        else if (static_cast<qint64>(links_.size()) * 2 < in_range_)
+        else if (is_far_below(in_range_))
             look_up();
         else
             read_in_order(QStringLiteral(" AND in_link_set(link, ?1)"), true);
@@ -116,16 +120,20 @@ private:
         Statement select(database_, columns() + range("WHERE") + filter +
                                         QStringLiteral(" ORDER BY date, link"));
         if (binds_links)
-            sqlite3_bind_pointer(select.handle(), 1, &links_, LinkSet::kPointerType, nullptr);
+            bind_links(select);
         while (select.step())
             rows_.append(select.handle());
+    }
+
+    void bind_links(const Statement& statement) {
+        sqlite3_bind_pointer(statement.handle(), 1, &links_, LinkSet::kPointerType, nullptr);
     }
 
     void read_all(Statement& tagged) {
         collect_all(tagged);
         if (documents_ == 0)
             documents_ = count({});
-        if (static_cast<qint64>(links_.size()) * kScanInsteadOfLookUps < documents_)
+        if (is_far_below(documents_))
             look_up();
         else
             scan();
@@ -144,11 +152,12 @@ private:
 
     void scan() {
         // NOT INDEXED keeps the order of links, on which sorting relies.
-        Statement select(database_, columns() + QStringLiteral(" NOT INDEXED") + range("WHERE") +
-                                        QStringLiteral(" ORDER BY link"));
+        Statement select(database_, columns() +
+                                        QStringLiteral(" NOT INDEXED WHERE in_link_set(link, ?1)") +
+                                        range("AND") + QStringLiteral(" ORDER BY link"));
+        bind_links(select);
         while (select.step())
-            if (links_.contains(select.integer(kLinkColumn)))
-                rows_.append(select.handle());
+            rows_.append(select.handle());
         sort();
     }
 

@@ -104,26 +104,34 @@ void RowStore::reorder(const std::vector<std::size_t>& rows) {
 std::size_t RowStore::pack(sqlite3_stmt* statement) {
     const std::size_t start = bytes_.size();
     for (int column = 0; column < columns_; ++column) {
-        const int type = sqlite3_column_type(statement, column);
-        if (type == SQLITE_NULL) {
-            bytes_.push_back(static_cast<char>(Cell::Kind::Null));
-        } else if (type == SQLITE_INTEGER) {
+        switch (sqlite3_column_type(statement, column)) {
+        case SQLITE_NULL:
+            put(Cell::Kind::Null, nullptr, 0);
+            break;
+        case SQLITE_INTEGER: {
             const qint64 number = sqlite3_column_int64(statement, column);
-            bytes_.push_back(static_cast<char>(Cell::Kind::Integer));
-            put(&number, sizeof number);
-        } else if (type == SQLITE_FLOAT) {
+            put(Cell::Kind::Integer, &number, sizeof number);
+            break;
+        }
+        case SQLITE_FLOAT: {
             const double number = sqlite3_column_double(statement, column);
-            bytes_.push_back(static_cast<char>(Cell::Kind::Real));
-            put(&number, sizeof number);
-        } else {
+            put(Cell::Kind::Real, &number, sizeof number);
+            break;
+        }
+        default: {
             const unsigned char* text = sqlite3_column_text(statement, column);
             const auto size = static_cast<TextSize>(sqlite3_column_bytes(statement, column));
-            bytes_.push_back(static_cast<char>(Cell::Kind::Text));
-            put(&size, sizeof size);
+            put(Cell::Kind::Text, &size, sizeof size);
             put(text, size);
+        }
         }
     }
     return start;
+}
+
+void RowStore::put(Cell::Kind kind, const void* data, std::size_t size) {
+    bytes_.push_back(static_cast<char>(kind));
+    put(data, size);
 }
 
 void RowStore::put(const void* data, std::size_t size) {

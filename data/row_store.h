@@ -45,6 +45,7 @@ public:
 
 private:
     std::size_t pack(sqlite3_stmt* statement);
+    void put(Cell::Kind kind, const void* data, std::size_t size);
     void put(const void* data, std::size_t size);
 
     int columns_;
