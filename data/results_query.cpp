@@ -23,8 +23,9 @@ constexpr std::size_t kFew = 500;
 constexpr qint64 kScanInsteadOfLookUps = 8;
 // A range that leaves more than one document of so many is no help in finding them.
 constexpr qint64 kWideRange = 4;
-// So many tagged rows are collected in the time that one document's own tags are looked up.
-constexpr qint64 kTaggedRowsALookUp = 12;
+// Collecting is given up after so many rows for each document in the range: with more than about
+// four times as many, looking up each document's own tags would have been quicker.
+constexpr qint64 kTaggedRowsALookUp = 6;
 
 const QString& columns() {
     static const QString text =
