@@ -4,6 +4,7 @@
 #include "common/box_style.h"
 
 #include <QPainter>
+#include <QPainterPath>
 
 namespace folidex {
 
