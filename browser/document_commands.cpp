@@ -18,7 +18,6 @@
 #include "data/database.h"
 #include "platform/safe_file.h"
 
-#include <QEventLoopLocker>
 #include <QPushButton>
 #include <QToolBar>
 
@@ -260,8 +259,7 @@ void frmMain::drop_deleted_tags() {
 }
 
 void frmMain::data_location() {
-    // The process must outlive the moment in which none of its windows is open.
-    const QEventLoopLocker stay;
+    // The window may be gone once it is closed.
     const auto show_data_location = roads_.show_data_location;
     close();
     show_data_location();

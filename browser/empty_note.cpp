@@ -11,7 +11,7 @@ EmptyNote::EmptyNote(QAbstractScrollArea* list) : QLabel(list->viewport()) {
     setAlignment(Qt::AlignCenter);
     setWordWrap(true);
     setMargin(12);
-    setForegroundRole(QPalette::PlaceholderText);
+    setForegroundRole(QPalette::WindowText);
     setTextFormat(Qt::PlainText);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     list->viewport()->installEventFilter(this);

@@ -45,6 +45,7 @@ constexpr int kFilterWidth = 280;
 constexpr int kFilterInset = 12;
 constexpr int kResultsInset = 6;
 constexpr int kMarkWidth = 32;
+constexpr int kQuiet = 145;
 // Twips from the bottom of both grids to the bottom of the window.
 constexpr double kBelowGrids = 800;
 
@@ -185,7 +186,6 @@ void frmMain::make_results() {
     fgR->horizontalHeader()->setStretchLastSection(true);
     no_documents_ = new EmptyNote(fgR);
     hint_ = named(new QLabel(frR), "lblHint", QString());
-    hint_->setForegroundRole(QPalette::PlaceholderText);
 }
 
 void frmMain::connect_controls() {
@@ -253,6 +253,16 @@ void frmMain::dress_controls() {
     QPalette link = Label1->palette();
     link.setColor(QPalette::ButtonText, palette().color(QPalette::Link));
     Label1->setPalette(link);
+    // Half the text's strength on any ground; desktops leave the placeholder's colour out of dark
+    // palettes.
+    QColor quiet = palette().color(QPalette::WindowText);
+    quiet.setAlpha(kQuiet);
+    for (QWidget* note : {static_cast<QWidget*>(hint_), static_cast<QWidget*>(no_tags_),
+                          static_cast<QWidget*>(no_documents_)}) {
+        QPalette colors = note->palette();
+        colors.setColor(QPalette::WindowText, quiet);
+        note->setPalette(colors);
+    }
     Picture1->setPixmap(icon(QStringLiteral("remove")).pixmap(QSize(16, 16), devicePixelRatioF()));
     for (int row = 0; row < fgL->rows(); ++row)
         fgL->set_picture(row, 0, Picture1->pixmap());
@@ -282,9 +292,9 @@ void frmMain::place_bars() {
     const int strip = frL->height() - fgL->geometry().bottom() - 2;
     // Its text stands under the list's edge, as a link does, with room for the focus around it.
     constexpr int kFocusRoom = 6;
-    Label1->setGeometry(
-        kFilterInset - kFocusRoom, fgL->geometry().bottom() + 1,
-        Label1->fontMetrics().horizontalAdvance(Label1->text()) + 2 * kFocusRoom, strip);
+    Label1->setGeometry(kFilterInset - kFocusRoom, fgL->geometry().bottom() + 1,
+                        Label1->fontMetrics().horizontalAdvance(Label1->text()) + 2 * kFocusRoom,
+                        strip);
     hint_->setGeometry(kResultsInset + 4, fgR->geometry().bottom() + 1, fgR->width() - 8, strip);
     const int bottom = frL->geometry().bottom() + 2;
     status_->setGeometry(kMargin, bottom, width() - 2 * kMargin, height() - bottom);
