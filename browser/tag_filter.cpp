@@ -26,6 +26,13 @@
 
 namespace folidex {
 
+namespace {
+
+// Looking at the clock for each row would cost more than the row.
+constexpr int kRowsBetweenLooks = 512;
+
+} // namespace
+
 void frmMain::pop_me() {
     trapped("frmMain", "pop_me", [&] {
         Recordset tags = database().open_recordset(
@@ -79,7 +86,8 @@ void frmMain::query_documents() {
         for (; !found.eof(); found.move_next()) {
             rows.add(found.value_at(date), found.text_at(description), found.text_at(file_name),
                      found.text_at(location), found.text_at(link));
-            wait.passing();
+            if (rows.count() % kRowsBetweenLooks == 0)
+                wait.passing();
         }
     }
     found.close();
