@@ -43,13 +43,12 @@ class Station:
     A screen is wide enough for the program at the given scale.
     """
 
-    def __init__(self, program, home=None, scale=1, page_delay=False, dbus_config=None):
+    def __init__(self, program, home=None, scale=1, page_delay=False):
         self.program = str(pathlib.Path(program).resolve())
         self.scale = scale
         self._own_home = home is None
         self.home = pathlib.Path(home or tempfile.mkdtemp(prefix="folidex-e2e-")).resolve()
         self._page_delay = page_delay
-        self._dbus_config = dbus_config
         self._started = []
         self.bus = None
         self.environment = {}
@@ -132,8 +131,10 @@ class Station:
         return open(self.log_folder / f"{name}.log", "ab")
 
     def _start(self, name, command, **options):
-        process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
-                                   stderr=self._log(name), start_new_session=True, **options)
+        with self._log(name) as log:
+            options = {"stdout": log} | options
+            process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
+                                       stderr=log, start_new_session=True, **options)
         self._started.append((name, process))
         return process
 
@@ -143,8 +144,7 @@ class Station:
         reader, writer = os.pipe()
         with os.fdopen(reader) as number:
             self._start("xvfb", ["Xvfb", "-displayfd", str(writer), "-screen", "0", size, "-dpi",
-                                 "96", "-nolisten", "tcp", "-noreset"],
-                        stdout=subprocess.DEVNULL, pass_fds=[writer])
+                                 "96", "-nolisten", "tcp", "-noreset"], pass_fds=[writer])
             os.close(writer)
             # The end of the stream comes too when the server could not start.
             display = number.readline().strip()
@@ -153,16 +153,16 @@ class Station:
         self.environment["DISPLAY"] = f":{display}"
 
     def _start_session_bus(self):
-        config = [f"--config-file={self._dbus_config}"] if self._dbus_config else ["--session"]
-        daemon = self._start("dbus", ["dbus-daemon", "--nofork", "--print-address=1", *config],
-                             stdout=subprocess.PIPE, text=True)
-        address = daemon.stdout.readline().strip()
+        daemon = self._start("dbus", ["dbus-daemon", "--session", "--nofork",
+                                      "--print-address=1"], stdout=subprocess.PIPE, text=True)
+        with daemon.stdout:
+            address = daemon.stdout.readline().strip()
         if not address:
             raise DriverError(f"dbus-daemon did not start: {self._read_log('dbus')}")
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
 
     def _start_window_manager(self):
-        self._start("openbox", ["openbox", "--sm-disable"], stdout=subprocess.DEVNULL)
+        self._start("openbox", ["openbox", "--sm-disable"])
         wait_until(lambda: "window id" in self.output(
             "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
 
@@ -209,7 +209,7 @@ class Station:
         saved = self.environment
         self.environment = saved | (environment or {})
         try:
-            return self._start("program", [self.program], stdout=self._log("program"))
+            return self._start("program", [self.program])
         finally:
             self.environment = saved
 
