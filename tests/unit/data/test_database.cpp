@@ -59,9 +59,6 @@ private slots:
     void init() { station_ = std::make_unique<TestStation>(); }
     void cleanup() { station_.reset(); }
 
-    void the_template_holds_five_empty_tables_and_one_counter();
-    void the_template_has_the_indexes_that_searching_relies_on();
-    void the_template_is_a_plain_file_with_a_rollback_journal();
     void the_connection_waits_syncs_and_keeps_its_journal_beside_the_file();
 
     void a_missing_folder_is_a_bad_file_name();
@@ -94,32 +91,6 @@ private:
 
     std::unique_ptr<TestStation> station_;
 };
-
-void TestDatabase::the_template_holds_five_empty_tables_and_one_counter() {
-    QCOMPARE(station_->rows(u"select name from sqlite_master where type = 'table' order by name"_s),
-             QStringList({u"comp"_s, u"scans"_s, u"settings"_s, u"tagged"_s, u"tags"_s}));
-    for (const QString& table : {u"scans"_s, u"settings"_s, u"tagged"_s, u"tags"_s})
-        QCOMPARE(station_->rows(u"select * from "_s + table), QStringList());
-    QCOMPARE(station_->rows(u"select NewLink from comp"_s), QStringList{u"1"_s});
-}
-
-void TestDatabase::the_template_has_the_indexes_that_searching_relies_on() {
-    QCOMPARE(station_->rows(u"select tbl_name, sql from sqlite_master where type = 'index' "
-                            "order by name"_s),
-             QStringList({u"scans|CREATE INDEX scans_date_link ON scans (date, link)"_s,
-                          u"tagged|CREATE INDEX tagged_scan ON tagged (scan)"_s,
-                          u"tagged|CREATE INDEX tagged_tag_scan ON tagged (tag, scan)"_s}));
-}
-
-void TestDatabase::the_template_is_a_plain_file_with_a_rollback_journal() {
-    const QByteArray file = content_of(template_database());
-    QVERIFY(file.startsWith(QByteArrayView("SQLite format 3\0", 16)));
-    QCOMPARE(file.mid(16, 2), QByteArray("\x10\x00", 2));         // pages of 4096 bytes
-    QCOMPARE(file.mid(18, 2), QByteArray("\x01\x01", 2));         // read and written by journal
-    QCOMPARE(file.mid(56, 4), QByteArray("\x00\x00\x00\x01", 4)); // UTF-8
-    QVERIFY(!QFile::exists(template_database() + u"-journal"_s));
-    QVERIFY(!QFile::exists(template_database() + u"-wal"_s));
-}
 
 void TestDatabase::the_connection_waits_syncs_and_keeps_its_journal_beside_the_file() {
     auto setting = [](sqlite3* handle, const char* name) {
