@@ -26,6 +26,8 @@ constexpr int kGiveUpAfter = 1800;
 constexpr int kSteps = 1000;
 constexpr int kTroubleLines = 4;
 constexpr int kLoopLeft = 1;
+constexpr int kGap = 8;
+constexpr int kMargin = 12;
 
 void name(QWidget* control, const char* object_name, const QString& accessible_name) {
     control->setObjectName(QString::fromLatin1(object_name));
@@ -91,8 +93,8 @@ void ScanProgress::build(const QString& source) {
     stack->addWidget(lblTrouble);
 
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(12, 12, 12, 12);
-    layout->setSpacing(8);
+    layout->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    layout->setSpacing(kGap);
     layout->addWidget(lblSource);
     layout->addWidget(lblPage);
     layout->addWidget(stack, 1);
@@ -111,9 +113,9 @@ void ScanProgress::build_buttons() {
     const QList<QPushButton*> buttons{cmdContinue, cmdKeepPages, cmdDiscardPages, cmdCancelScan};
     int width = 0;
     for (const QPushButton* button : buttons)
-        width = qMax(width, button->sizeHint().width());
+        width = qMax(width, button->sizeHint().width() + 2 * kGap);
     auto* row = new QHBoxLayout;
-    row->setSpacing(8);
+    row->setSpacing(kGap);
     row->addStretch();
     for (QPushButton* button : buttons) {
         button->setMinimumWidth(width);
@@ -216,12 +218,10 @@ void ScanProgress::refresh(const ScanControl::State& state) {
 }
 
 void ScanProgress::show_trouble(const ScanControl::Trouble& trouble) {
-    lblPage->setText(QStringLiteral("Page %1").arg(trouble.page));
+    lblPage->setText(QStringLiteral("Page %1 could not be scanned").arg(trouble.page));
     lblTrouble->setText(
-        QStringLiteral("Page %1 could not be scanned: %2.\n\nClear the paper path, close the "
-                       "cover and put this page and the ones after it back into the feeder. "
-                       "Then choose Continue.")
-            .arg(trouble.page)
+        QStringLiteral("%1.\n\nClear the paper path, close the cover and put this page and the "
+                       "ones after it back into the feeder. Then choose Continue.")
             .arg(trouble.words));
     cmdKeepPages->setEnabled(trouble.pages_so_far > 0);
     stack->setCurrentWidget(lblTrouble);
