@@ -143,6 +143,9 @@ struct ScriptedSane::Script {
         const QByteArray source = text(open.device, "source");
         const bool feeds =
             source.contains("ADF") || source.contains("Feeder") || device.type.contains("sheetfed");
+        // A page that broke off must be left by cancel before the next one.
+        if (open.frame && open.frame->ending != SANE_STATUS_EOF)
+            return SANE_STATUS_DEVICE_BUSY;
         auto& frames = feeds ? device.feeder : device.glass;
         if (frames.empty())
             return SANE_STATUS_NO_DOCS;
