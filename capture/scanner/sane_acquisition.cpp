@@ -76,7 +76,7 @@ void SaneAcquisition::scan_pages() {
     for (;;) {
         switch (page(spool_.count() + 1)) {
         case Ending::kPage:
-            if (!feeder_ || !wishes_.auto_feed || !wishes_.until_empty)
+            if (!feeder_ || ran_out_ || !wishes_.auto_feed || !wishes_.until_empty)
                 return;
             break;
         case Ending::kNoMorePages:
@@ -142,7 +142,8 @@ SANE_Status SaneAcquisition::attempt() {
             return SANE_STATUS_CANCELLED;
         const SANE_Status status = frame(page, last);
         // A feeder that runs out in mid-page gives what it has of it.
-        if (status == SANE_STATUS_NO_DOCS && !page.empty())
+        ran_out_ = status == SANE_STATUS_NO_DOCS && !page.empty();
+        if (ran_out_)
             break;
         if (status != SANE_STATUS_EOF)
             return status;

@@ -48,6 +48,7 @@ private:
     ScanControl& control_;
     PageSpool& spool_;
     bool feeder_ = false;
+    bool ran_out_ = false;
     SaneScale scale_;
     std::vector<SANE_Byte> buffer_;
 };

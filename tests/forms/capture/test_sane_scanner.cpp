@@ -54,6 +54,8 @@ private:
     QString failure(const std::function<void()>& action);
     /// Does something once the progress window is up and shows a control.
     void when_shown(const char* control, const std::function<void(QWidget&)>& action);
+    /// Cancels once the scanner hangs.
+    void cancel_when_hanging(const std::function<void()>& then = [] {});
     static QWidget* window();
     static void wait_until(const std::function<bool()>& condition);
 
@@ -129,6 +131,14 @@ void SaneScannerTest::when_shown(const char* control, const std::function<void(Q
             action(*shown());
         else
             sane_->release();
+    });
+}
+
+void SaneScannerTest::cancel_when_hanging(const std::function<void()>& then) {
+    when_shown("cmdCancelScan", [this, then](QWidget& button) {
+        wait_until([this] { return sane_->hanging(); });
+        QTest::mouseClick(&button, Qt::LeftButton);
+        then();
     });
 }
 
@@ -217,10 +227,7 @@ void SaneScannerTest::a_source_that_refuses_to_open_says_why() {
 
 void SaneScannerTest::a_slow_opening_shows_the_window_and_can_be_cancelled() {
     sane_->hang(QStringLiteral("open"));
-    when_shown("cmdCancelScan", [this](QWidget& button) {
-        QTest::mouseClick(&button, Qt::LeftButton);
-        sane_->release();
-    });
+    cancel_when_hanging([this] { sane_->release(); });
     QVERIFY(!open());
     QTRY_COMPARE(sane_->calls().last(), QStringLiteral("close"));
     QTRY_VERIFY(!window());
@@ -290,10 +297,7 @@ void SaneScannerTest::cancelling_leaves_no_pages() {
     device_.feeder = {gray_frame(100, 50), gray_frame(100, 50)};
     QVERIFY(open());
     sane_->hang(QStringLiteral("read"));
-    when_shown("cmdCancelScan", [this](QWidget& button) {
-        QTest::mouseClick(&button, Qt::LeftButton);
-        sane_->release();
-    });
+    cancel_when_hanging([this] { sane_->release(); });
     scan();
     QCOMPARE(scanner_->page_count(), 0);
     QTRY_VERIFY(!window());
@@ -303,8 +307,7 @@ void SaneScannerTest::a_scanner_that_wakes_up_at_cancel_leaves_no_pages() {
     device_.feeder = {gray_frame(100, 50)};
     QVERIFY(open());
     sane_->hang(QStringLiteral("read"), true);
-    when_shown("cmdCancelScan",
-               [](QWidget& button) { QTest::mouseClick(&button, Qt::LeftButton); });
+    cancel_when_hanging();
     scan();
     QCOMPARE(scanner_->page_count(), 0);
     QTRY_VERIFY(sane_->calls().contains(QStringLiteral("close")));
@@ -315,10 +318,7 @@ void SaneScannerTest::a_scanner_that_hangs_is_left_and_named() {
     QVERIFY(open());
     sane_->hang(QStringLiteral("read"));
     QElapsedTimer clock;
-    when_shown("cmdCancelScan", [&](QWidget& button) {
-        clock.start();
-        QTest::mouseClick(&button, Qt::LeftButton);
-    });
+    cancel_when_hanging([&] { clock.start(); });
     const QString words = failure([this] { scan(); });
     QVERIFY2(clock.elapsed() < 5000, "the user was kept waiting");
     QVERIFY2(words.contains(QStringLiteral("\"Acme Scan\" does not answer")), qPrintable(words));
