@@ -12,7 +12,7 @@ import time
 
 from .tree import Bus, DriverError
 
-_DLL_CONF = "test\n"
+_SANE = pathlib.Path(__file__).resolve().parents[1] / "sane"
 _TEST_CONF = """\
 number_of_devices 1
 mode Gray
@@ -43,11 +43,12 @@ class Station:
     A screen is wide enough for the program at the given scale.
     """
 
-    def __init__(self, program, home=None, scale=1, page_delay=False):
+    def __init__(self, program, home=None, scale=1, page_delay=False,
+                 name="folidex-e2e-"):
         self.program = str(pathlib.Path(program).resolve())
         self.scale = scale
         self._own_home = home is None
-        self.home = pathlib.Path(home or tempfile.mkdtemp(prefix="folidex-e2e-")).resolve()
+        self.home = pathlib.Path(home or tempfile.mkdtemp(prefix=name)).resolve()
         self._page_delay = page_delay
         self._started = []
         self.bus = None
@@ -94,7 +95,7 @@ class Station:
         for name in ("data", "sane", "log", "home", "run", "cache"):
             (self.home / name).mkdir(parents=True, exist_ok=True)
         (self.home / "run").chmod(0o700)
-        (self.home / "sane/dll.conf").write_text(_DLL_CONF)
+        shutil.copy(_SANE / "dll.conf", self.home / "sane")
         self.set_scanner()
 
     def set_scanner(self, **options):
