@@ -14,15 +14,15 @@
 
 namespace folidex::test {
 
-MainWindow::MainWindow() {
+MainWindow::MainWindow() : former_end_(end_program), former_opener_(ActiveLink::opener) {
     end_program = [this](const Error& error) { ended.append(error.number); };
     ActiveLink::opener = [this](const QString& target) { opened.append(target); };
 }
 
 MainWindow::~MainWindow() {
     delete window;
-    end_program = {};
-    ActiveLink::opener = {};
+    end_program = former_end_;
+    ActiveLink::opener = former_opener_;
 }
 
 frmMain& MainWindow::open() {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "browser/frmMain.h"
+#include "common/error.h"
 #include "tests/support/planned_boxes.h"
 #include "tests/support/test_station.h"
 
@@ -54,6 +55,10 @@ public:
 
     /// 12 October 2009.
     static constexpr double kDay = 40098;
+
+private:
+    std::function<void(const Error&)> former_end_;
+    std::function<void(const QString&)> former_opener_;
 };
 
 } // namespace folidex::test

@@ -68,8 +68,9 @@ void TestMainCommands::init() {
 }
 
 void TestMainCommands::cleanup() {
-    QVERIFY(main_->boxes.verify());
+    const bool as_planned = main_->boxes.verify();
     main_.reset();
+    QVERIFY(as_planned);
 }
 
 void TestMainCommands::list_bills() {

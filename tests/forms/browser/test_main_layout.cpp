@@ -62,9 +62,11 @@ QRect in_window(const QWidget* widget) {
 } // namespace
 
 void TestMainLayout::cleanup() {
-    QVERIFY(main_->boxes.verify());
-    QCOMPARE(main_->ended, QList<int>{});
+    const bool as_planned = main_->boxes.verify();
+    const QList<int> ended = main_->ended;
     main_.reset();
+    QVERIFY(as_planned);
+    QCOMPARE(ended, QList<int>{});
 }
 
 void TestMainLayout::the_frames_follow_the_window_to_the_twip_data() {

@@ -55,9 +55,11 @@ private:
 };
 
 void TestMainMenus::cleanup() {
-    QVERIFY(main_->boxes.verify());
-    QCOMPARE(main_->ended, QList<int>{});
+    const bool as_planned = main_->boxes.verify();
+    const QList<int> ended = main_->ended;
     main_.reset();
+    QVERIFY(as_planned);
+    QCOMPARE(ended, QList<int>{});
 }
 
 void TestMainMenus::open_menu(const QString& button) {

@@ -54,9 +54,11 @@ private:
 };
 
 void TestMainProfiles::cleanup() {
-    QVERIFY(main_->boxes.verify());
-    QCOMPARE(main_->ended, QList<int>{});
+    const bool as_planned = main_->boxes.verify();
+    const QList<int> ended = main_->ended;
     main_.reset();
+    QVERIFY(as_planned);
+    QCOMPARE(ended, QList<int>{});
 }
 
 void TestMainProfiles::save_profile(const QString& name) {

@@ -73,8 +73,9 @@ void TestMainTagFilter::init() {
 }
 
 void TestMainTagFilter::cleanup() {
-    QVERIFY(main_->boxes.verify());
+    const bool as_planned = main_->boxes.verify();
     main_.reset();
+    QVERIFY(as_planned);
 }
 
 void TestMainTagFilter::without_a_chosen_tag_nothing_is_listed() {
