@@ -32,7 +32,9 @@ namespace {
 
 /// Longer than any text that a station could have stored.
 constexpr int kLongestText = 1 << 30;
+/// The remove picture at the least; it grows with the font.
 constexpr int kRemovePicture = 16;
+constexpr int kRemoveMargin = 16;
 constexpr int kButtonPadding = 16;
 constexpr int kTimerInterval = 100;
 
@@ -91,11 +93,11 @@ void frmScanNew::dress_controls() {
     cmbTags->lineEdit()->setMaxLength(kLongestText);
     txtDescription->setMinimumWidth(fontMetrics().averageCharWidth() * 56);
 
-    Picture1->setPixmap(
-        icon(u"remove"_s).pixmap(QSize(kRemovePicture, kRemovePicture), devicePixelRatioF()));
+    const int mark = std::max(kRemovePicture, fontMetrics().ascent());
+    Picture1->setPixmap(icon(u"remove"_s).pixmap(QSize(mark, mark), devicePixelRatioF()));
     fg1->set_layout(3, 0);
     fg1->setColumnHidden(2, true);
-    fg1->setColumnWidth(0, kRemovePicture + 12);
+    fg1->setColumnWidth(0, mark + kRemoveMargin);
     fg1->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Fixed);
     fg1->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
     fg1->setMinimumHeight(fontMetrics().lineSpacing() * 8);

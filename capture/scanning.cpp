@@ -92,6 +92,7 @@ void frmScanNew::show_pages_state() {
     else
         state = u"No scanner found. Connect one, switch it on, then open this window again."_s;
     lblPagesState->setText(state);
+    cmdScan->setAccessibleDescription(state);
 }
 
 void frmScanNew::cmdView_Click() {

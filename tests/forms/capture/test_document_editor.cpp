@@ -347,58 +347,53 @@ private Q_SLOTS:
         QVERIFY(!desk_->form->isVisible());
     }
 
-    void any_description_is_filed_and_loaded_unchanged_data();
-    void any_description_is_filed_and_loaded_unchanged();
+    void any_description_is_filed_and_loaded_unchanged_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("quotes") << u"'He said \"it's\"'"_s;
+        QTest::newRow("percent and ampersand") << u"100 % of A&B && %1 %s &amp;"_s;
+        QTest::newRow("markup") << u"<b>bold</b>"_s;
+        QTest::newRow("line breaks") << u"first\nsecond\r\nthird\tfourth"_s;
+        QTest::newRow("right to left") << QString::fromUtf8("עברית وعربي \xE2\x80\x8F.");
+        QTest::newRow("emoji") << QString::fromUtf8(
+            "\xF0\x9F\x93\x84 \xF0\x9F\x91\xA9\xE2\x80\x8D"
+            "\xF0\x9F\x91\xA7 \xF0\x9F\x87\xA9\xF0\x9F\x87\xAA");
+        QTest::newRow("32,000 characters") << QString(31000, u'x') + QString(1000, u'\'');
+        QTest::newRow("40,000 characters") << QString(40000, u'y');
+    }
+    void any_description_is_filed_and_loaded_unchanged() {
+        QFETCH(QString, text);
+        desk_->station.add_tag(u"Letters"_s);
+        desk_->open();
+        desk_->fill_in(text, u"Letters"_s);
+        desk_->click("cmdSave");
+        QCOMPARE(desk_->station.value(u"Select description from scans"_s), text);
+        const int link = desk_->station.value(u"Select link from scans"_s).toInt();
+        desk_->open(link);
+        QCOMPARE(desk_->description()->text(), text);
+        const int height = desk_->description()->height();
+        desk_->add_tag(u"More"_s);
+        desk_->click("cmdSave");
+        QCOMPARE(desk_->station.value(u"Select description from scans"_s), text);
+        desk_->open();
+        QCOMPARE(desk_->description()->height(), height);
+    }
+
     void any_tag_is_stored_and_found_unchanged_data() {
         any_description_is_filed_and_loaded_unchanged_data();
     }
-    void any_tag_is_stored_and_found_unchanged();
-};
-
-void TestDocumentEditor::any_description_is_filed_and_loaded_unchanged_data() {
-    QTest::addColumn<QString>("text");
-    QTest::newRow("quotes") << u"'He said \"it's\"'"_s;
-    QTest::newRow("percent and ampersand") << u"100 % of A&B && %1 %s &amp;"_s;
-    QTest::newRow("markup") << u"<b>bold</b>"_s;
-    QTest::newRow("line breaks") << u"first\nsecond\r\nthird\tfourth"_s;
-    QTest::newRow("right to left") << QString::fromUtf8("עברית وعربي \xE2\x80\x8F.");
-    QTest::newRow("emoji") << QString::fromUtf8(
-        "\xF0\x9F\x93\x84 \xF0\x9F\x91\xA9\xE2\x80\x8D"
-        "\xF0\x9F\x91\xA7 \xF0\x9F\x87\xA9\xF0\x9F\x87\xAA");
-    QTest::newRow("32,000 characters") << QString(31000, u'x') + QString(1000, u'\'');
-    QTest::newRow("40,000 characters") << QString(40000, u'y');
-}
-
-void TestDocumentEditor::any_description_is_filed_and_loaded_unchanged() {
-    QFETCH(QString, text);
-    desk_->station.add_tag(u"Letters"_s);
-    desk_->open();
-    desk_->fill_in(text, u"Letters"_s);
-    desk_->click("cmdSave");
-    QCOMPARE(desk_->station.value(u"Select description from scans"_s), text);
-    const int link = desk_->station.value(u"Select link from scans"_s).toInt();
-    desk_->open(link);
-    QCOMPARE(desk_->description()->text(), text);
-    const int height = desk_->description()->height();
-    desk_->add_tag(u"More"_s);
-    desk_->click("cmdSave");
-    QCOMPARE(desk_->station.value(u"Select description from scans"_s), text);
-    desk_->open();
-    QCOMPARE(desk_->description()->height(), height);
-}
-
-void TestDocumentEditor::any_tag_is_stored_and_found_unchanged() {
-    QFETCH(QString, text);
-    desk_->open();
-    for (int time = 0; time < 2; ++time) {
-        desk_->tags()->set_entered_text(text);
-        desk_->click("cmdAdd");
+    void any_tag_is_stored_and_found_unchanged() {
+        QFETCH(QString, text);
+        desk_->open();
+        for (int time = 0; time < 2; ++time) {
+            desk_->tags()->set_entered_text(text);
+            desk_->click("cmdAdd");
+        }
+        QCOMPARE(tag_names(), QStringList(text));
+        QCOMPARE(desk_->assigned()->rows(), 1);
+        QCOMPARE(desk_->assigned()->text(0, 1), text);
+        QCOMPARE(desk_->tags()->item(0).description, text);
     }
-    QCOMPARE(tag_names(), QStringList(text));
-    QCOMPARE(desk_->assigned()->rows(), 1);
-    QCOMPARE(desk_->assigned()->text(0, 1), text);
-    QCOMPARE(desk_->tags()->item(0).description, text);
-}
+};
 
 QTEST_MAIN(TestDocumentEditor)
 #include "test_document_editor.moc"
