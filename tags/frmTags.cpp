@@ -49,7 +49,7 @@ frmTags::frmTags(QWidget* parent)
     add_button(u"New"_s, u"add"_s, u"Add a tag"_s);
     add_button(u"Edit"_s, u"edit"_s, u"Rename the selected tag"_s);
     add_button(u"Delete"_s, u"delete"_s, u"Delete the selected tag"_s);
-    add_button(u"Preferences"_s, u"settings"_s, {});
+    add_button(u"Preferences"_s, u"preferences"_s, {});
     connect_controls();
     // Loading is an event of its own: its failure ends the program, whoever opened the form.
     outermost([this] { Form_Load(); });
