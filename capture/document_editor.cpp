@@ -4,6 +4,7 @@
 #include "app/process_values.h"
 #include "capture/filing.h"
 #include "capture/frmScanNew.h"
+#include "capture/wait_cursor.h"
 #include "common/day_number.h"
 #include "common/error_trap.h"
 #include "common/message_box.h"
@@ -82,6 +83,7 @@ void frmScanNew::fill_tag_grid() {
 
 void frmScanNew::pop_me() {
     trapped("frmScanNew", "pop_me", [this] {
+        const WaitCursor wait;
         cmbTags->clear_items();
         Recordset tags = database().open_recordset(
             u"Select Description, Link from Tags  order by description"_s);
