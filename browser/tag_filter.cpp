@@ -62,6 +62,8 @@ void frmMain::fill_me() {
             return;
         }
         query_documents();
+        // The list learns its length now, so that it stays where it was.
+        fgR->doItemsLayout();
         fgR->verticalScrollBar()->setValue(scrolled);
         save_filter();
         clear_highlight();
