@@ -216,15 +216,15 @@ void TestMainResults::an_empty_list_says_what_to_do_next() {
 
 void TestMainResults::a_new_query_does_not_scroll_the_list() {
     const int bills = main_->station.add_tag(u"Bills"_s);
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 45; ++i)
         main_->station.add_document(u"Power"_s, MainWindow::kDay + i, {bills});
     main_->open();
     all_dates();
     main_->choose(u"Bills"_s);
     QScrollBar* bar = (*main_)->fgR->verticalScrollBar();
-    bar->setValue(40);
+    bar->setValue(12);
     (*main_)->fill_me();
-    QCOMPARE(bar->value(), 40);
+    QCOMPARE(bar->value(), 12);
     QCOMPARE((*main_)->fgR->row(), 0);
 }
 
