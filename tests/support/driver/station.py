@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """A workstation of its own for the program: display, window manager, buses, folders, scanner."""
 
+import ctypes
 import os
 import pathlib
 import shutil
@@ -22,6 +23,14 @@ test-picture "Color pattern"
 br_x 120.0
 br_y 160.0
 """
+
+_LIBC = ctypes.CDLL(None)
+_PR_SET_PDEATHSIG = 1
+
+
+def _end_with_parent():
+    """In the child: a driver that is killed takes its display and its program along."""
+    _LIBC.prctl(_PR_SET_PDEATHSIG, signal.SIGKILL)
 
 
 def wait_until(condition, what, timeout=60.0):
@@ -135,7 +144,8 @@ class Station:
         with self._log(name) as log:
             options = {"stdout": log} | options
             process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
-                                       stderr=log, start_new_session=True, **options)
+                                       stderr=log, start_new_session=True,
+                                       preexec_fn=_end_with_parent, **options)
         self._started.append((name, process))
         return process
 
