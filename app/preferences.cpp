@@ -18,6 +18,21 @@ namespace {
 constexpr int kFolderNotDetected = 513;
 constexpr int kIndent = 2;
 
+bool fits_into_xml(QChar c) {
+    if (c < u' ')
+        return c == u'\t' || c == u'\n' || c == u'\r';
+    return c.unicode() < 0xfffe;
+}
+
+// One character that XML cannot hold, pasted into a name, would make the whole file unreadable
+// at the next start.
+QString storable(QString text) {
+    for (QChar& c : text)
+        if (!fits_into_xml(c))
+            c = QChar::ReplacementCharacter;
+    return text;
+}
+
 QDomElement new_child(QDomElement parent, const QString& tag) {
     QDomElement child = parent.ownerDocument().createElement(tag);
     parent.appendChild(child);
@@ -47,7 +62,7 @@ void PreferencesElement::set_text(const QString& text) {
         node = next;
     }
     if (!text.isEmpty())
-        element_.insertBefore(element_.ownerDocument().createTextNode(text), QDomNode());
+        element_.insertBefore(element_.ownerDocument().createTextNode(storable(text)), QDomNode());
 }
 
 PreferencesElement PreferencesElement::child(const QString& tag) const {
@@ -84,7 +99,7 @@ QString PreferencesElement::attribute(const QString& name) const {
 }
 
 void PreferencesElement::set_attribute(const QString& name, const QString& value) {
-    element_.setAttribute(name, value);
+    element_.setAttribute(name, storable(value));
 }
 
 bool PreferencesDocument::load(const QString& path) {

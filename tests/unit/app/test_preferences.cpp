@@ -90,6 +90,26 @@ private Q_SLOTS:
         QCOMPARE(reloaded(document).child_text(u"dblocation"_s), text);
     }
 
+    void a_character_that_xml_cannot_hold_does_not_cost_the_file_data() {
+        QTest::addColumn<QChar>("character");
+        for (const int code : {0x0, 0x1, 0xb, 0xc, 0x1f, 0xfffe, 0xffff})
+            QTest::addRow("%04x", static_cast<unsigned>(code)) << QChar(code);
+    }
+
+    void a_character_that_xml_cannot_hold_does_not_cost_the_file() {
+        QFETCH(QChar, character);
+        PreferencesDocument document;
+        document.set_root_tag(u"folidex"_s);
+        const QString pasted = u"Bills"_s + character + u"2009"_s;
+        document.set_child_text(u"dblocation"_s, pasted);
+        PreferencesElement profile = document.cursor().append_child(u"profile1"_s);
+        profile.set_attribute(u"name"_s, pasted);
+        const PreferencesDocument again = reloaded(document);
+        const QString kept = u"Bills\ufffd2009"_s;
+        QCOMPARE(again.child_text(u"dblocation"_s), kept);
+        QCOMPARE(again.child(u"profile1"_s).attribute(u"name"_s), kept);
+    }
+
     void nested_elements_are_found_made_and_kept() {
         PreferencesDocument document;
         document.set_root_tag(u"folidex"_s);
@@ -120,6 +140,20 @@ private Q_SLOTS:
         write_file(file(), content);
         QVERIFY(!document.load(file()));
         QCOMPARE(document.child_text(u"a"_s), u"1"_s);
+    }
+
+    void saving_never_writes_into_the_old_file() {
+        const QByteArray old = "<folidex><a>1</a></folidex>";
+        write_file(file(), old);
+        QFile reader(file());
+        QVERIFY(reader.open(QIODevice::ReadOnly));
+        PreferencesDocument document;
+        QVERIFY(document.load(file()));
+        document.set_child_text(u"a"_s, u"2"_s);
+        QCOMPARE(reloaded(document).child_text(u"a"_s), u"2"_s);
+        QCOMPARE(reader.readAll(), old);
+        QCOMPARE(QDir(folder_->path()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList{u"p.xml"_s});
     }
 
     void saving_reports_the_path_that_cannot_be_written() {
