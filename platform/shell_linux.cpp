@@ -97,8 +97,9 @@ void show_in_file_manager(const QString& path) {
     on(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, path] {
         const QDBusPendingReply<> reply = *watcher;
         watcher->deleteLater();
+        // The procedure that asked is through by now; the failure is still its own to report.
         if (reply.isError())
-            open_folder(path);
+            trapped("frmMain", "locate_scan", [&] { open_folder(path); });
     });
 }
 

@@ -1,12 +1,13 @@
 // SPDX-FileCopyrightText: The Folidex authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "common/error.h"
+#include "common/error_trap.h"
 #include "platform/shell.h"
 
 #include <QDBusConnection>
 #include <QDesktopServices>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTest>
 
 using namespace folidex;
@@ -90,6 +91,28 @@ private Q_SLOTS:
         show_in_file_manager(folder.filePath(u"a.pdf"_s));
         QTRY_COMPARE(opener_.opened.size(), 1);
         QCOMPARE(opener_.opened[0].toLocalFile(), folder.path());
+    }
+
+    void a_desktop_that_can_show_nothing_is_reported_before_the_program_ends() {
+        QStringList reports;
+        int reports_at_the_end = -1;
+        const auto former_report = std::exchange(show_report, [&](const Report& report) {
+            reports << report.module + u' ' + report.procedure + u": "_s + report.description;
+        });
+        const auto former_end = std::exchange(
+            end_program, [&](const Error&) { reports_at_the_end = int(reports.size()); });
+        QDesktopServices::unsetUrlHandler(u"file"_s);
+        const QTemporaryDir folder;
+        show_in_file_manager(folder.filePath(u"a.pdf"_s));
+        const auto restored = qScopeGuard([&] {
+            QDesktopServices::setUrlHandler(u"file"_s, &opener_, "open");
+            show_report = former_report;
+            end_program = former_end;
+        });
+        QTRY_COMPARE(reports_at_the_end, 1);
+        QVERIFY2(reports[0].startsWith(u"frmMain locate_scan: ") &&
+                     reports[0].contains(folder.path()),
+                 qPrintable(reports[0]));
     }
 
     void the_file_manager_is_asked_to_show_the_file() {
