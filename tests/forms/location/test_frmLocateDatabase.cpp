@@ -5,6 +5,7 @@
 #include "common/error_trap.h"
 #include "common/message_box.h"
 #include "controls/active_link.h"
+#include "controls/form_window.h"
 #include "location/frmLocateDatabase.h"
 #include "platform/safe_file.h"
 #include "platform/shell.h"
@@ -16,6 +17,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QTest>
 
 using namespace folidex;
@@ -29,7 +31,9 @@ class TestFrmLocateDatabase : public QObject {
     int started_again_ = 0;
     QPointer<frmLocateDatabase> form_;
 
-    QString at(const QString& name) const { return QDir::toNativeSeparators(root_->filePath(name)); }
+    QString at(const QString& name) const {
+        return QDir::toNativeSeparators(root_->filePath(name));
+    }
     template <class T> T* control(const char* name) const {
         return form_->findChild<T*>(QString::fromLatin1(name));
     }
@@ -40,8 +44,7 @@ class TestFrmLocateDatabase : public QObject {
     }
     QString recorded() const {
         PreferencesDocument saved;
-        return saved.load(preferences_path()) ? saved.child_text(u"dblocation"_s)
-                                              : u"<no file>"_s;
+        return saved.load(preferences_path()) ? saved.child_text(u"dblocation"_s) : u"<no file>"_s;
     }
     void open() {
         form_ = new frmLocateDatabase([this] { ++started_again_; });
@@ -85,8 +88,11 @@ private Q_SLOTS:
                  u"Select the folder where you data files reside."_s);
         QCOMPARE(form_->windowTitle(), u"Tell folidex where your data folder is."_s);
         QVERIFY(text("txtLocation2")->text().isEmpty());
-        QVERIFY(control<QLabel>("lblExplanation")->text().contains(
-            u"PLEASE NOTE! Folidex will create sub folders to group all your scanned documents."_s));
+        QVERIFY(
+            control<QLabel>("lblExplanation")
+                ->text()
+                .contains(
+                    u"PLEASE NOTE! Folidex will create sub folders to group all your scanned documents."_s));
     }
 
     void the_texts_of_the_controls_are_the_known_ones() {
@@ -103,14 +109,15 @@ private Q_SLOTS:
     }
 
     void the_explanation_has_its_sentences_in_order() {
-        QCOMPARE(location_explanation(u"Folidex"_s, true).remove(u'\n'),
-                 u"The Folidex database file and all scanned documents are stored in a single folder."
-                 u"In order to continue, you need to point Folidex to that folder. "
-                 u"If this is the first time you are installing Folidex then you will need to select "
-                 u"option 1 and create a new data folder. "
-                 u"If this is NOT your first installation and you already have a database file, then "
-                 u"you need to select option 2 and point Folidex to the correct location. "
-                 u"PLEASE NOTE! Folidex will create sub folders to group all your scanned documents."_s);
+        QCOMPARE(
+            location_explanation(u"Folidex"_s, true).remove(u'\n'),
+            u"The Folidex database file and all scanned documents are stored in a single folder."
+            u"In order to continue, you need to point Folidex to that folder. "
+            u"If this is the first time you are installing Folidex then you will need to select "
+            u"option 1 and create a new data folder. "
+            u"If this is NOT your first installation and you already have a database file, then "
+            u"you need to select option 2 and point Folidex to the correct location. "
+            u"PLEASE NOTE! Folidex will create sub folders to group all your scanned documents."_s);
         QVERIFY(!location_explanation(u"Folidex"_s, false).contains(u"PLEASE NOTE"_s));
     }
 
@@ -271,11 +278,15 @@ private Q_SLOTS:
     void a_cancelled_picker_changes_nothing() {
         open();
         text("txtLocation")->setText(u"/typed"_s);
-        frmLocateDatabase::folder_picker = [](QWidget*, const QString&) {
-            return std::optional<QString>();
-        };
-        press("cmdBrowse1");
-        QCOMPARE(text("txtLocation")->text(), u"/typed"_s);
+        // The desktop has places that are no folders of the file system: they have no path.
+        for (const std::optional<QString>& picked : {std::optional<QString>(), {QString()}}) {
+            frmLocateDatabase::folder_picker = [picked](QWidget*, const QString&) {
+                return picked;
+            };
+            press("cmdBrowse1");
+            QCOMPARE(text("txtLocation")->text(), u"/typed"_s);
+            QVERIFY(form_->focusWidget() != text("txtFolder"));
+        }
     }
 
     void help_opens_the_help_page() {
@@ -290,8 +301,16 @@ private Q_SLOTS:
 
     void the_form_is_centred_the_first_time_and_its_place_is_stored() {
         open();
-        QVERIFY(!Preferences().child_text(u"frmLocateDatabaseTop"_s).isEmpty());
-        QVERIFY(!Preferences().child_text(u"frmLocateDatabaseLeft"_s).isEmpty());
+        // Placed before the window system has put its frame around it.
+        const QSize room = QGuiApplication::primaryScreen()->size() - form_->size();
+        const QPoint place = form_->pos();
+        QVERIFY(qAbs(place.x() - room.width() / 2) <= 1);
+        QVERIFY(qAbs(place.y() - room.height() / 2) <= 1);
+        const auto stored = [](const QString& element) {
+            return Preferences().child_text(element).toDouble();
+        };
+        QCOMPARE(to_pixels(stored(u"frmLocateDatabaseTop"_s)), place.y());
+        QCOMPARE(to_pixels(stored(u"frmLocateDatabaseLeft"_s)), place.x());
     }
 
     void only_the_chosen_option_can_be_filled_in() {
