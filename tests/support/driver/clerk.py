@@ -89,6 +89,8 @@ class Clerk:
         sources = [item for item in robot.items(menu) if "enabled" in item.states]
         if len(sources) <= source:
             raise DriverError(f"the scanner menu has no source {source}: {menu.dump()}")
+        robot.hover(sources[source])
+        robot.wait(lambda: "focused" in sources[source].states, "the source to be marked")
         self._picture("scanner-menu", window, (menu,))
         view = robot.find(BUTTON, "View", window)
         robot.choose(menu, sources[source])

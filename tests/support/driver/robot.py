@@ -157,6 +157,11 @@ class Robot:
         self.station.run("xdotool", "mousemove", str(round(x * scale)), str(round(y * scale)),
                          "click", "--repeat", str(times), "--delay", "40", "1")
 
+    def hover(self, node):
+        """Puts the pointer over a widget."""
+        x, y, width, height = (value * self.station.scale for value in self._still(node))
+        self.station.run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2))
+
     def press(self, node, times=1):
         """Clicks the middle of an enabled widget."""
         self.wait_enabled(node)
