@@ -11,6 +11,13 @@ namespace folidex {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// As the toolkit's own light palette has it: half of the text's strength.
+constexpr int kPromptAlpha = 128;
+
+} // namespace
+
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
     setApplicationName(u"Folidex"_s);
     setApplicationDisplayName({});
@@ -19,6 +26,12 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
                           QString::number(FOLIDEX_VERSION_REVISION));
     setDesktopFileName(u"folidex"_s);
     setWindowIcon(application_icon());
+    // Dark desktops leave the prompts of empty fields in a colour that cannot be read on theirs.
+    QColor prompt = palette().color(QPalette::Text);
+    prompt.setAlpha(kPromptAlpha);
+    QPalette prompts;
+    prompts.setColor(QPalette::PlaceholderText, prompt);
+    setPalette(prompts);
     show_report = [](const Report& report) {
         message_box(report.prompt(), kCriticalIcon, QString::fromLatin1(kReportTitle));
     };

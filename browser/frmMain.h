@@ -143,7 +143,6 @@ private:
     StatusLine* status_;
     ResultsModel* results_;
     bool loaded_ = false;
-    bool slow_ = false;
 };
 
 } // namespace folidex

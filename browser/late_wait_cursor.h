@@ -9,16 +9,12 @@
 namespace folidex {
 
 /// The wait cursor for work that turns out to be long: shown by the first call of passing()
-/// after 200 ms, or from the start when the same work was long before; gone with this object.
+/// after 200 ms, gone with this object.
 class LateWaitCursor {
 public:
     static constexpr int kPatienceMs = 200;
 
-    explicit LateWaitCursor(bool long_before = false) {
-        clock_.start();
-        if (long_before)
-            show();
-    }
+    LateWaitCursor() { clock_.start(); }
     ~LateWaitCursor() {
         if (shown_)
             QGuiApplication::restoreOverrideCursor();
@@ -27,17 +23,13 @@ public:
     LateWaitCursor& operator=(const LateWaitCursor&) = delete;
 
     void passing() {
-        if (!shown_ && is_long())
-            show();
-    }
-    bool is_long() const { return clock_.elapsed() > kPatienceMs; }
-
-private:
-    void show() {
+        if (shown_ || clock_.elapsed() <= kPatienceMs)
+            return;
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
         shown_ = true;
     }
 
+private:
     QElapsedTimer clock_;
     bool shown_ = false;
 };

@@ -75,8 +75,8 @@ void frmMain::query_documents() {
     std::optional<DateRange> range;
     if (!chkDates->isChecked())
         range = DateRange{dtFrom->value(), dtTo->value()};
-    // The statement itself cannot be interrupted, so a query after a slow one waits from its start.
-    LateWaitCursor wait(slow_);
+    LateWaitCursor wait;
+    const DatabasePulse pulse(database(), [&wait] { wait.passing(); });
     Recordset found = database().open_recordset(results_statement(chosen_links(), range));
     ResultRows rows;
     if (!found.eof()) {
@@ -94,7 +94,6 @@ void frmMain::query_documents() {
     }
     found.close();
     results_->set_rows(std::move(rows));
-    slow_ = wait.is_long();
 }
 
 void frmMain::color_tags() {

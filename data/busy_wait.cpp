@@ -24,7 +24,7 @@ constexpr int kGrowth = 200;
 
 } // namespace
 
-int wait_while_busy(void*, int tries) noexcept {
+int wait_while_busy(int tries) noexcept {
     thread_local Clock::time_point start;
     if (tries == 0)
         start = Clock::now();

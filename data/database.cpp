@@ -26,6 +26,9 @@ namespace {
 constexpr int kCannotExecuteSelect = 3065;
 constexpr int kInvalidOperation = 3219;
 
+// A few thousandths of a second, far below what a user notices.
+constexpr int kStepsBetweenPulses = 20000;
+
 constexpr std::string_view kFileMark{"SQLite format 3\0", 16};
 constexpr const char* kTables[] = {"scans", "tags", "tagged", "settings", "comp"};
 
@@ -73,9 +76,9 @@ Database::~Database() {
     sqlite3_close_v2(handle_);
 }
 
-void Database::require_file_of_ours() const {
+void Database::require_file_of_ours() {
     sqlite3_extended_result_codes(handle_, 1);
-    sqlite3_busy_handler(handle_, wait_while_busy, nullptr);
+    sqlite3_busy_handler(handle_, wait_for_file, this);
     // Until the file is known to be ours, closing must not write another program's log into it.
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     if (!has_file_mark(handle_))
@@ -116,6 +119,23 @@ Recordset Database::open_recordset(const QString& sql) {
     if (!tokens.empty() && !tokens.front().is_keyword(u"SELECT"))
         throw Error{kInvalidOperation, QStringLiteral("Invalid operation: ") + native(path_)};
     return Recordset{Recordset::State::of_select(shared_from_this(), statement)};
+}
+
+void Database::set_pulse(std::function<void()> pulse) {
+    pulse_ = std::move(pulse);
+    sqlite3_progress_handler(handle_, kStepsBetweenPulses, pulse_ ? on_progress : nullptr, this);
+}
+
+int Database::wait_for_file(void* self, int tries) noexcept {
+    const auto* database = static_cast<Database*>(self);
+    if (database->pulse_)
+        database->pulse_();
+    return wait_while_busy(tries);
+}
+
+int Database::on_progress(void* self) noexcept {
+    static_cast<Database*>(self)->pulse_();
+    return 0;
 }
 
 QString Database::path() const {

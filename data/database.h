@@ -6,6 +6,7 @@
 #include "data/recordset.h"
 
 #include <QString>
+#include <functional>
 #include <memory>
 
 struct sqlite3;
@@ -32,6 +33,10 @@ public:
     /// Opens a record set on a SELECT; the rows are those of this moment.
     Recordset open_recordset(const QString& sql);
 
+    /// Calls a function now and then, on the calling thread, while a statement runs or waits for
+    /// the file; none when empty. The function must not use this database and must not throw.
+    void set_pulse(std::function<void()> pulse);
+
     QString path() const;
     sqlite3* handle() const;
     /// Throws the connection's current error.
@@ -40,11 +45,29 @@ public:
 private:
     explicit Database(sqlite3* handle, QString path);
 
-    void require_file_of_ours() const;
+    void require_file_of_ours();
     void prepare_connection() const;
+
+    static int wait_for_file(void* self, int tries) noexcept;
+    static int on_progress(void* self) noexcept;
 
     sqlite3* handle_;
     QString path_;
+    std::function<void()> pulse_;
+};
+
+/// A database's pulse for as long as this object lives.
+class DatabasePulse {
+public:
+    DatabasePulse(Database& database, std::function<void()> pulse) : database_(database) {
+        database_.set_pulse(std::move(pulse));
+    }
+    ~DatabasePulse() { database_.set_pulse({}); }
+    DatabasePulse(const DatabasePulse&) = delete;
+    DatabasePulse& operator=(const DatabasePulse&) = delete;
+
+private:
+    Database& database_;
 };
 
 } // namespace folidex

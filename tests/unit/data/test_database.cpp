@@ -83,6 +83,8 @@ private slots:
     void a_select_cannot_be_executed_nor_a_change_opened();
     void a_failed_statement_leaves_no_lock();
     void a_file_that_is_held_is_waited_for();
+    void a_long_statement_is_felt_while_it_runs();
+    void a_wait_for_the_file_is_felt_and_ends_when_the_file_is_free();
     void a_path_beyond_ASCII_is_opened();
 
 private:
@@ -360,6 +362,33 @@ void TestDatabase::a_file_that_is_held_is_waited_for() {
     QVERIFY(other->wait(20000));
     QCOMPARE(failure, QString());
     QCOMPARE(station_->value(u"Select * from comp"_s), u"15"_s);
+}
+
+void TestDatabase::a_long_statement_is_felt_while_it_runs() {
+    const QString long_one =
+        u"SELECT count(*) AS n FROM (WITH RECURSIVE c(i) AS (SELECT 1 UNION ALL SELECT i + 1 "
+        u"FROM c WHERE i < 200000) SELECT i FROM c)"_s;
+    int beats = 0;
+    {
+        const DatabasePulse pulse(database(), [&beats] { ++beats; });
+        QCOMPARE(database().open_recordset(long_one).text(u"n"_s), u"200000"_s);
+    }
+    QVERIFY(beats > 10);
+    const int before = beats;
+    database().open_recordset(long_one);
+    QCOMPARE(beats, before);
+}
+
+void TestDatabase::a_wait_for_the_file_is_felt_and_ends_when_the_file_is_free() {
+    const std::shared_ptr<Database> other = Database::open(station_->database_path());
+    other->execute(u"BEGIN EXCLUSIVE"_s);
+    int beats = 0;
+    const DatabasePulse pulse(database(), [&] {
+        if (++beats == 3)
+            other->execute(u"COMMIT"_s);
+    });
+    QCOMPARE(database().open_recordset(u"Select * from comp"_s).record_count(), 1);
+    QVERIFY(beats >= 3);
 }
 
 void TestDatabase::a_path_beyond_ASCII_is_opened() {
