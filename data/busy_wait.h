@@ -5,9 +5,9 @@
 
 namespace folidex {
 
-/// What SQLite's busy handler does: waits a short random time for a file that another station holds and
-/// asks for another try, for half a minute at most. Random, so that no station is left behind;
-/// longer after a while, so that a slow network drive is not flooded.
+/// What SQLite's busy handler does: waits a short random time for a file that another station
+/// holds and asks for another try, for half a minute at most. Random, so that no station is left
+/// behind; longer after a while, so that a slow network drive is not flooded.
 int wait_while_busy(int tries) noexcept;
 
 } // namespace folidex
