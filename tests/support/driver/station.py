@@ -97,6 +97,10 @@ class Station:
         return self.app_folder / "folidex_Preferences.xml"
 
     @property
+    def program_folder(self):
+        return pathlib.Path(self.program).parent
+
+    @property
     def log_folder(self):
         return self.home / "log"
 
@@ -223,6 +227,10 @@ class Station:
             return self._start("program", [self.program])
         finally:
             self.environment = saved
+
+    def start_tool(self, name, command):
+        """Starts a stand-in of the desktop; it ends with the station."""
+        return self._start(name, command)
 
     def program_log(self):
         return self._read_log("program")
