@@ -89,6 +89,37 @@ class Capture(station_case.StationCase):
         files = {file.name for file in (self.data / "scanned_files/1009").iterdir()}
         self.assertEqual((len(names), set(names)), (2, files))
 
+    def test_a_document_is_filed_by_keyboard_alone(self):
+        robot = self.robot
+        robot.wait(lambda: robot.has_focus(robot.find(COMBO, None, self.main)),
+                   "the focus in the filter")
+        robot.tab_to(robot.find(BUTTON, "New", self.main))
+        robot.keys("space")
+        form = robot.window_with(BUTTON, "Save")
+        description = robot.find(TEXT, "Description", form)
+        robot.wait(lambda: robot.has_focus(description), "the focus in the description")
+        self.station.run("xdotool", "type", "--delay", "8", "By hand")
+        combo = robot.find(COMBO, None, form)
+        robot.tab_to(combo)
+        self.station.run("xdotool", "type", "--delay", "8", "Keys")
+        robot.keys("Return")
+        robot.wait(lambda: self.rows("select description from tags") == [("Keys",)], "the new tag")
+        scan = robot.find(BUTTON, "Scan", form)
+        robot.tab_to(scan)
+        self.station.bus.forget_shown()
+        robot.keys("space")
+        robot.wait(robot.open_menu_shown, "the scanner menu")
+        robot.keys("Down", "Return")
+        robot.wait_gone(self.clerk.progress_window(), 180)
+        robot.wait(self.temporary_scan.is_file, "the scan")
+        robot.tab_to(robot.find(BUTTON, "Save", form))
+        robot.keys("space")
+        robot.wait_gone(form)
+        self.assertEqual(self.rows("select description from scans"), [("By hand",)])
+        robot.tab_to(robot.find(BUTTON, "Exit", self.main))
+        robot.keys("space")
+        self.assertEqual(robot.wait_for_end(), 0)
+
     def test_any_text_is_stored_and_shown_unchanged(self):
         capture = self.clerk.new_scan(self.main)
         self.clerk.scan(capture)

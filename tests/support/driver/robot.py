@@ -178,6 +178,28 @@ class Robot:
         self.wait(lambda: any("focused" in each.states for each in node.walk(2)),
                   f"{node.describe()} to take the focus")
 
+    def has_focus(self, node):
+        return any("focused" in each.states for each in node.walk(1))
+
+    def tab_to(self, node, key="Tab", most=30):
+        """Presses Tab until a widget has the focus."""
+        for _ in range(most):
+            if self.has_focus(node):
+                return
+            before = self._focused()
+            self.keys(key)
+            self.wait(lambda: self._focused() != before, f"{key} to move the focus")
+        raise DriverError(f"{most} times {key} did not come to {node.describe()}")
+
+    def _focused(self):
+        for window in reversed(self.windows()):
+            for node in window.walk():
+                with contextlib.suppress(Gone):
+                    if "focused" in node.states and "showing" in node.states:
+                        # In a date the key goes through day, month and year first.
+                        return node, node.caret
+        return None
+
     def type_text(self, node, text, enter=False):
         """Replaces a field's text by typing."""
         self.focus(node)
@@ -237,9 +259,10 @@ class Robot:
         """Presses a button that shows a pop-up menu; the menu."""
         self.station.bus.forget_shown()
         self.press(button)
-        return self.wait(self._open_menu, "the pop-up menu")
+        return self.wait(self.open_menu_shown, "the pop-up menu")
 
-    def _open_menu(self):
+    def open_menu_shown(self):
+        """The pop-up menu that shows, if one does."""
         for node in self.station.bus.shown():
             with contextlib.suppress(Gone):
                 if node.role in MENU and "showing" in node.states:

@@ -151,6 +151,14 @@ class Node:
     def text(self):
         return self.call("Text", "GetText", GLib.Variant("(ii)", (0, -1)))[0]
 
+    @property
+    def caret(self):
+        """Where the caret stands in a text; nothing for what has no text."""
+        try:
+            return self._property("Text", "CaretOffset")
+        except Gone:
+            return None
+
     def set_text(self, text):
         self.call("EditableText", "SetTextContents", GLib.Variant("(s)", (text,)))
 
