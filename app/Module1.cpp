@@ -52,6 +52,12 @@ bool counts_as_present(const QString& looked_up_name) {
     return looked_up_name.size() > 1;
 }
 
+QString database_open_message(const Error& error) {
+    if (error.number == kBadFileName)
+        return cannot_find_database();
+    return u"Error "_s + QString::number(error.number) + u": "_s + error.description;
+}
+
 void show_data_location() {
     // Start-up asks for the form twice when no folder is known; a form that was closed but not
     // yet deleted is not the one to show.
@@ -103,11 +109,7 @@ bool open_database() {
         try {
             return called(attempt);
         } catch (...) {
-            const Error error = current_error();
-            DbOpenError = error.number == kBadFileName
-                              ? cannot_find_database()
-                              : u"Error "_s + QString::number(error.number) + u": "_s +
-                                    error.description;
+            DbOpenError = database_open_message(current_error());
             return false;
         }
     });

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "common/error.h"
+
 #include <QString>
 
 namespace folidex {
@@ -18,6 +20,9 @@ bool open_database();
 
 /// Whether the name that a directory lookup of the database file gave counts as a file.
 bool counts_as_present(const QString& looked_up_name);
+
+/// What the user is told of a database that could not be opened, beside the data location form.
+QString database_open_message(const Error& error);
 
 /// Shows the data location form; there is one at a time.
 void show_data_location();

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Folidex authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "app/application.h"
 #include "app/Module1.h"
+#include "app/application.h"
 #include "common/error_trap.h"
 
 int main(int argc, char** argv) {

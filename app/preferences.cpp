@@ -169,8 +169,7 @@ QString SpecialFolder(int folderId) {
     return trapped("Utilities", "SpecialFolder", [&] {
         const QString path = shell_folder(folderId);
         if (path.isEmpty())
-            throw Error{kFolderNotDetected,
-                        QStringLiteral("The folder path could not be detected"),
+            throw Error{kFolderNotDetected, QStringLiteral("The folder path could not be detected"),
                         QStringLiteral("SpecialFolder")};
         return path;
     });

@@ -108,12 +108,14 @@ void folidex_raise_fault() {
 } // namespace crash_filter
 
 void vbcsInstallFilter() {
-    if (installed)
-        return;
-    watched_thread = std::this_thread::get_id();
-    system_ending = std::set_terminate(report_instead_of_terminating);
-    crash_filter::watch_this_thread();
-    installed = -1;
+    trapped("modvbCodeShieldSupport", "vbcsInstallFilter", [] {
+        if (installed)
+            return;
+        watched_thread = std::this_thread::get_id();
+        system_ending = std::set_terminate(report_instead_of_terminating);
+        crash_filter::watch_this_thread();
+        installed = -1;
+    });
 }
 
 std::int16_t filter_installed() noexcept {

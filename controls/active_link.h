@@ -23,7 +23,8 @@ public:
     void set_mode(int mode) { mode_ = mode; }
     QString target() const { return target_; }
     int mode() const { return mode_; }
-    /// Hands the target to the desktop; a file that is not there is the desktop's to report.
+    /// Hands the target to the desktop; a file that is not there is the desktop's to report. A
+    /// desktop without a program for it is told in a message box.
     void start();
 
     /// Seam for tests: what start() hands the target to.

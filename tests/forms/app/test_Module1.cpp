@@ -29,7 +29,9 @@ class TestModule1 : public QObject {
     std::unique_ptr<QTemporaryDir> root_;
     int ended_ = 0;
 
-    QString at(const QString& name) const { return QDir::toNativeSeparators(root_->filePath(name)); }
+    QString at(const QString& name) const {
+        return QDir::toNativeSeparators(root_->filePath(name));
+    }
     QString preferences_file() const { return at(u"all/Brightmoor/folidex_Preferences.xml"_s); }
 
     static QList<QWidget*> windows(const QString& name) {
@@ -128,6 +130,14 @@ private Q_SLOTS:
         QVERIFY(counts_as_present(u"db.mdb"_s));
     }
 
+    void a_folder_that_goes_away_while_opening_is_told_like_a_missing_one() {
+        start();
+        QVERIFY(database_open_message({52, u"Bad file name or number"_s})
+                    .startsWith(u"Folidex cannot find or open your database file."_s));
+        QCOMPARE(database_open_message({26, u"file is not a database"_s}),
+                 u"Error 26: file is not a database"_s);
+    }
+
     void a_recorded_data_folder_opens_the_main_window_without_asking() {
         prefer_data_folder(data_folder_with_template());
         PlannedBoxes no_boxes;
@@ -167,7 +177,8 @@ private Q_SLOTS:
     void a_file_that_is_no_database_is_told_with_its_path_and_left_alone_data() {
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("words") << QByteArray(5000, 'x');
-        QTest::newRow("an old desktop database") << QByteArray("\0\1\0\0Standard Jet DB", 19) + QByteArray(4096, '\1');
+        QTest::newRow("an old desktop database")
+            << QByteArray("\0\1\0\0Standard Jet DB", 19) + QByteArray(4096, '\1');
     }
 
     void a_file_that_is_no_database_is_told_with_its_path_and_left_alone() {
