@@ -56,10 +56,9 @@ DatePicker::DatePicker(QWidget* parent) : QDateTimeEdit(parent) {
     setDate(QDate::currentDate());
     value_ = day_number(date());
     on(this, &QDateTimeEdit::dateChanged, this, [this](const QDate& date) {
-        const QDateTime former = *from_day_number(value_);
-        if (date == former.date())
+        if (date == from_day_number(value_)->date())
             return;
-        value_ = day_number(date, former.time());
+        value_ = day_number(date);
         Q_EMIT change();
     });
 }

@@ -95,7 +95,7 @@ class Road(station_case.StationCase):
         main = self.walk()
         self.clerk.all_dates(main, False)
         self.clerk.wait_results(main, lambda listed: listed == [], "the document to be too old")
-        self.robot.set_date(self.robot.find(DATE, "From", main), "11 Oct 2009")
+        self.robot.set_date(self.robot.find(DATE, "From", main), "12 Oct 2009")
         self.clerk.wait_results(main, lambda listed: len(listed) == 1, "the document in the range")
         self.robot.set_date(self.robot.find(DATE, "From", main), "13 Oct 2009")
         self.clerk.wait_results(main, lambda listed: listed == [], "the document before the range")

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void with_all_dates_the_dates_are_not_looked_at();
     void both_bounds_belong_to_the_range();
     void a_later_time_on_the_last_day_is_left_out();
+    void a_day_chosen_after_a_first_start_is_listed_whole();
     void the_hidden_columns_hold_file_folder_and_link();
     void a_damaged_database_ends_the_program_after_its_reports();
     void odd_dates_are_listed();
@@ -130,6 +131,21 @@ void TestMainResults::a_later_time_on_the_last_day_is_left_out() {
     (*main_)->dtFrom->set_value(MainWindow::kDay);
     (*main_)->dtTo->set_value(MainWindow::kDay + 0.5);
     QCOMPARE(main_->documents(), QStringList{u"morning"_s});
+}
+
+// A first start sets both bounds to moments; the days that the user chooses are days.
+void TestMainResults::a_day_chosen_after_a_first_start_is_listed_whole() {
+    const int bills = main_->station.add_tag(u"Bills"_s);
+    main_->station.add_document(u"Power"_s, 40098, {bills});
+    main_->open();
+    (*main_)->dtFrom->set_value(40087.5);
+    (*main_)->dtTo->set_value(40100.5);
+    main_->choose(u"Bills"_s);
+    (*main_)->dtFrom->setDate(QDate(2009, 10, 12));
+    (*main_)->dtTo->setDate(QDate(2009, 10, 12));
+    QCOMPARE(main_->documents(), QStringList{u"Power"_s});
+    QCOMPARE(main_->preference(u"dtFrom"_s), u"40098"_s);
+    QCOMPARE(main_->preference(u"dtTo"_s), u"40098"_s);
 }
 
 void TestMainResults::the_hidden_columns_hold_file_folder_and_link() {

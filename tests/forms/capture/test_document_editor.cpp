@@ -149,8 +149,7 @@ private Q_SLOTS:
         desk_->open(link);
         desk_->set_date({2010, 3, 1});
         desk_->click("cmdSave");
-        QCOMPARE(desk_->station.value(u"Select date from scans"_s).toDouble(),
-                 40238 + (stored == u"40098.25"_s ? 0.25 : 0));
+        QCOMPARE(desk_->station.value(u"Select date from scans"_s), u"40238"_s);
     }
 
     void a_date_that_is_none_shows_today_data() {
