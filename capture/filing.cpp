@@ -23,6 +23,7 @@
 
 #include <QLineEdit>
 #include <QToolButton>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -67,8 +68,8 @@ std::optional<double> stored_date(const QVariant& field) {
         return std::nullopt;
     bool is_number = false;
     const double number = field.toDouble(&is_number);
-    if (is_number)
-        return number;
+    if (is_number) // "nan" and "inf" are numbers to the toolkit, and none that can be filed again
+        return std::isfinite(number) ? std::optional(number) : std::nullopt;
     const QDateTime date = QDateTime::fromString(field.toString().trimmed(), Qt::ISODate);
     if (date.isValid())
         return day_number(date.date(), date.time());

@@ -157,16 +157,23 @@ private Q_SLOTS:
         QTest::newRow("Null") << u"Null"_s;
         QTest::newRow("words") << u"'yesterday'"_s;
         QTest::newRow("empty") << u"''"_s;
+        QTest::newRow("words that read as a number") << u"'nan'"_s;
+        QTest::newRow("no end") << u"9e999"_s;
     }
     void a_date_that_is_none_shows_today() {
         QFETCH(QString, stored);
+        const int letters = desk_->station.add_tag(u"Letters"_s);
         database().execute(
             u"INSERT INTO scans ([link], [description], [date], [fname], [location]) VALUES "
             "(900, 'Old', "_s +
             stored + u", 'a.pdf', '1009')"_s);
+        database().execute(u"INSERT INTO tagged (scan, tag) VALUES (900, "_s +
+                           QString::number(letters) + u")"_s);
         desk_->open(900);
         QCOMPARE(desk_->description()->text(), u"Old"_s);
         QCOMPARE(desk_->date()->value(), kOctober12);
+        desk_->click("cmdSave");
+        QCOMPARE(desk_->station.value(u"Select date from scans"_s), u"40098"_s);
     }
 
     void enter_adds_a_tag_and_saves_nothing() {

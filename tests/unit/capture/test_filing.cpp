@@ -100,6 +100,8 @@ private Q_SLOTS:
         QTest::newRow("words") << QVariant(u"yesterday"_s) << QVariant();
         QTest::newRow("empty") << QVariant(QString()) << QVariant();
         QTest::newRow("Null") << QVariant() << QVariant();
+        QTest::newRow("no number") << QVariant(u"nan"_s) << QVariant();
+        QTest::newRow("no end") << QVariant(std::numeric_limits<double>::infinity()) << QVariant();
     }
     void a_stored_date_is_read_as_far_as_it_is_one() {
         QFETCH(QVariant, field);
