@@ -90,7 +90,6 @@ void frmScanNew::take_controls(const Ui::frmScanNew& layout) {
 void frmScanNew::dress_controls() {
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     txtDescription->setMaxLength(kLongestText);
-    cmbTags->lineEdit()->setMaxLength(kLongestText);
     txtDescription->setMinimumWidth(fontMetrics().averageCharWidth() * 56);
 
     const int mark = std::max(kRemovePicture, fontMetrics().ascent());

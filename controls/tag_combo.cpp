@@ -23,6 +23,8 @@ namespace {
 constexpr int kEnter = 13;
 constexpr int kListRows = 12;
 constexpr int kLeastLetters = 16;
+/// Longer than any tag: one that was cut off would not be found in the list.
+constexpr int kLongestText = 1 << 30;
 
 } // namespace
 
@@ -52,6 +54,7 @@ private:
 
 TagCombo::TagCombo(QWidget* parent) : QComboBox(parent), model_(new TagModel(tags_, this)) {
     setEditable(true);
+    lineEdit()->setMaxLength(kLongestText);
     setInsertPolicy(NoInsert);
     setMaxVisibleItems(kListRows);
     // Measuring every tag for the width would take longer the more tags there are.

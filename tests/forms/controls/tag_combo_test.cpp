@@ -335,6 +335,7 @@ private Q_SLOTS:
         QTest::newRow("emoji") << u"\U0001F4C4 papers \U0001F468\u200D\U0001F469"_s;
         QTest::newRow("line break") << u"one\ntwo"_s;
         QTest::newRow("32,000 characters") << QString(32000, u'm');
+        QTest::newRow("40,000 characters") << QString(40000, u'm');
     }
     void odd_tags_are_shown_and_kept() {
         QFETCH(QString, tag);
