@@ -48,8 +48,10 @@ frmMain& MainWindow::open() {
 }
 
 void MainWindow::choose(const QString& tag) {
-    QTest::keyClicks(window->cmbTags->lineEdit(), tag);
-    QTest::keyClick(window->cmbTags->lineEdit(), Qt::Key_Return);
+    // To the widget with the focus, as a keyboard gives them: that is not the combo's field.
+    window->cmbTags->setFocus();
+    QTest::keyClicks(window->focusWidget(), tag);
+    QTest::keyClick(window->focusWidget(), Qt::Key_Return);
 }
 
 QStringList MainWindow::chosen() const {

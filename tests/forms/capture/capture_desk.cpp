@@ -73,8 +73,9 @@ void CaptureDesk::describe(const QString& text) const {
 void CaptureDesk::add_tag(const QString& text) const {
     tags()->setFocus();
     tags()->set_entered_text({});
-    QTest::keyClicks(tags()->lineEdit(), text);
-    QTest::keyClick(tags()->lineEdit(), Qt::Key_Return);
+    // To the widget with the focus, as a keyboard gives them: that is not the combo's field.
+    QTest::keyClicks(form->focusWidget(), text);
+    QTest::keyClick(form->focusWidget(), Qt::Key_Return);
 }
 
 void CaptureDesk::scan(const QString& source) {
