@@ -51,7 +51,7 @@ frmAbout::frmAbout(QWidget* parent)
     lines->addWidget(cmdOK, 4, 0, 1, 2, Qt::AlignRight);
     lines->setSizeConstraint(QLayout::SetFixedSize);
     on(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
-    Form_Load();
+    outermost([this] { Form_Load(); });
 }
 
 void frmAbout::Form_Load() {

@@ -260,13 +260,15 @@ void ScanProgress::answer(ScanControl::Answer answer) {
 }
 
 void ScanProgress::reject() {
-    const auto trouble = operation_ ? operation_->state().trouble : std::nullopt;
-    if (!trouble)
-        cancel();
-    else if (trouble->pages_so_far > 0)
-        answer(ScanControl::Answer::kKeep);
-    else
-        answer(ScanControl::Answer::kDiscard);
+    outermost([this] {
+        const auto trouble = operation_ ? operation_->state().trouble : std::nullopt;
+        if (!trouble)
+            cancel();
+        else if (trouble->pages_so_far > 0)
+            answer(ScanControl::Answer::kKeep);
+        else
+            answer(ScanControl::Answer::kDiscard);
+    });
 }
 
 void ScanProgress::closeEvent(QCloseEvent* event) {
