@@ -192,7 +192,7 @@ void frmMain::mnu_Help() {
 
 void frmMain::Dmnu_ItemClick(int index) {
     trapped("frmMain", "Dmnu_ItemClick", [&] {
-        const QString key = pop_keys.at(index);
+        const QString key = pop_keys.value(index);
         if (key == QLatin1String("mnuDoubleClickEdit"))
             set_double_click(kEdit);
         else if (key == QLatin1String("mnuDoubleClickOpen"))
@@ -235,6 +235,7 @@ void frmMain::tag_maintenance() {
     roads_.show_tags(this);
     pop_me();
     drop_deleted_tags();
+    show_status();
 }
 
 void frmMain::drop_deleted_tags() {

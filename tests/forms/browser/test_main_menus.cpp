@@ -177,6 +177,8 @@ void TestMainMenus::an_emptied_catalogue_empties_the_chosen_tags() {
     pick(u"mnuTags"_s);
     QCOMPARE(main_->chosen(), QStringList{});
     QCOMPARE((*main_)->cmbTags->item_count(), 0);
+    QCOMPARE((*main_)->fgL->viewport()->findChild<QLabel*>()->text(), u"No tag chosen yet"_s);
+    QVERIFY((*main_)->fgL->viewport()->findChild<QLabel*>()->isVisible());
 }
 
 void TestMainMenus::tag_maintenance_refills_the_combo() {
