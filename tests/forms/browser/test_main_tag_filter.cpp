@@ -241,6 +241,8 @@ void TestMainTagFilter::the_last_tag_removed_comes_back_at_the_next_start() {
     QCOMPARE((*main_)->fgL->rows(), 0);
     (*main_)->dtFrom->set_value(MainWindow::kDay + 100);
     QCOMPARE(main_->saved_flag(bills), u"1"_s);
+    main_->window->close();
+    QVERIFY(Preferences().load(preferences_path()));
     main_->open();
     QCOMPARE(main_->chosen(), QStringList{u"Bills"_s});
     QCOMPARE((*main_)->dtFrom->value(), MainWindow::kDay);
