@@ -13,7 +13,8 @@ QString short_date_format();
 
 /// A date picker with a calendar, in the system's short format. Its value is a day number
 /// (common/day_number.h); a time of day that was set is kept, though only the date is shown,
-/// until another date is chosen: a chosen day begins at midnight, as documents are dated. F4 and Alt+Down open the calendar.
+/// until another date is chosen: a chosen day begins at midnight, as documents are dated. F4 and
+/// Alt+Down open the calendar.
 class DatePicker : public QDateTimeEdit {
     Q_OBJECT
 
