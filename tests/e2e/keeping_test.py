@@ -3,6 +3,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """A document and its tags after filing, to the end of both; what each step leaves on disk."""
 
+import re
+
 import station_case
 from driver.archivist import Archivist
 from driver.desktop import Desktop
@@ -165,6 +167,10 @@ class Keeping(station_case.StationCase):
         self.desktop = Desktop(self.station)
         self.begin()
         site = self.station.program_folder / "site"
+        pictures = re.findall(r'src="([^"]+)"', (site / "help/index.html").read_text())
+        self.assertIn("images/main.png", pictures)
+        for picture in pictures:
+            self.assertTrue((site / "help" / picture).is_file(), picture)
         self.clerk.help(self.main, "Online Help")
         self.desktop.wait_opened(site / "help/index.html")
         self.clerk.help(self.main, "Get Support")

@@ -64,7 +64,15 @@ class Archivist(Clerk):
         self.robot.answer(box, button)
         return " ".join(text.split())
 
-    # -- the capture form on a document on file
+    # -- the capture form
+
+    def save_and_new(self, window):
+        """Saves, and waits until the form is ready for the next document."""
+        robot = self.robot
+        robot.press(robot.find(BUTTON, "Save & New", window))
+        entry, view = robot.find(TEXT, "Description", window), robot.find(BUTTON, "View", window)
+        robot.wait(lambda: entry.text == "" and "enabled" not in view.states,
+                   "the form to be empty again")
 
     def edit_document(self, main, description):
         """Opens the selected document in the capture form; the form, once it has loaded."""

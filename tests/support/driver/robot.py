@@ -280,32 +280,57 @@ class Robot:
 
     def photograph(self, name, window=None, also=()):
         """A picture of a window with its frame (else of the whole screen), with what pops out
-        of it."""
+        of it; what lies beside both is left out."""
         path = self.pictures / f"{name}.png"
         command = ["import", "-window", "root"]
         if window:
-            left, top, right, bottom = self._frame_of(window)
+            boxes = [self._frame_of(window)]
             for node in also:
                 x, y, width, height = (value * self.station.scale for value in node.extents)
-                left, top = min(left, x), min(top, y)
-                right, bottom = max(right, x + width), max(bottom, y + height)
-            left, top = max(left, 0), max(top, 0)
+                boxes.append((x, y, x + width, y + height))
+            left, top = (max(min(box[side] for box in boxes), 0) for side in (0, 1))
+            right, bottom = (max(box[side] for box in boxes) for side in (2, 3))
             command += ["-crop", f"{right - left}x{bottom - top}+{left}+{top}", "+repage"]
         self.station.run(*command, str(path))
+        if also:
+            self._leave_out(path, [[box[side] - (left, top)[side % 2] for side in range(4)]
+                                   for box in boxes])
         return path
 
+    def _leave_out(self, path, boxes):
+        """Makes a picture transparent outside the boxes."""
+        shown = " ".join(f"rectangle {left},{top} {right - 1},{bottom - 1}"
+                         for left, top, right, bottom in boxes)
+        self.station.run("convert", str(path), "(", "+clone", "-fill", "black", "-colorize", "100",
+                         "-fill", "white", "-draw", shown, ")", "-alpha", "off", "-compose",
+                         "CopyOpacity", "-composite", str(path))
+
     def _frame_of(self, window):
-        x, y, width, height = (value * self.station.scale for value in self._still(window))
+        """left, top, right, bottom of a window with its frame, in pixels of the screen."""
+        told = [value * self.station.scale for value in self._still(window)]
+        found = [(sum(abs(a - b) for a, b in zip(box, told)), box, number)
+                 for number, box in self._x_windows()]
+        # What the accessibility bus tells is rounded to the program's own pixels.
+        nearby = [each for each in found if each[0] <= 4 * self.station.scale]
+        if not nearby:
+            return told[0], told[1], told[0] + told[2], told[1] + told[3]
+        _distance, (x, y, width, height), number = min(nearby)
         margins = [0, 0, 0, 0]
-        pid = str(self.process.pid)
-        for number in self.station.output("xdotool", "search", "--onlyvisible", "--pid",
-                                          pid).split():
-            line = self.station.output("xprop", "-id", number, "_NET_FRAME_EXTENTS")
-            if "=" in line:
-                margins = [int(part) for part in line.split("=")[1].split(",")]
-                break
+        line = self.station.output("xprop", "-id", number, "_NET_FRAME_EXTENTS")
+        if "=" in line:
+            margins = [int(part) for part in line.split("=")[1].split(",")]
         left, right, top, bottom = margins
         return x - left, y - top, x + width + right, y + height + bottom
+
+    def _x_windows(self):
+        """The program's visible windows as the display knows them: (id, (x, y, width, height))."""
+        for number in self.station.output("xdotool", "search", "--onlyvisible", "--pid",
+                                          str(self.process.pid)).split():
+            facts = dict(line.strip().split(": ", 1) for line in self.station.output(
+                "xwininfo", "-id", number).splitlines() if ": " in line)
+            with contextlib.suppress(KeyError):
+                yield number, tuple(int(facts[key]) for key in (
+                    "Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
 
     def park_pointer(self):
         """Moves the pointer where it lights up nothing, and waits for the picture to settle."""
