@@ -157,6 +157,13 @@ class Robot:
         self.station.run("xdotool", "mousemove", str(round(x * scale)), str(round(y * scale)),
                          "click", "--repeat", str(times), "--delay", "40", "1")
 
+    def _wait_active(self):
+        """A click on a window that the window manager still places would go past it."""
+        pid = str(self.process.pid)
+        self.wait(lambda: self.station.output("xdotool", "getactivewindow",
+                                              "getwindowpid").strip() == pid,
+                  "the program's window to be the active one")
+
     def hover(self, node):
         """Puts the pointer over a widget."""
         x, y, width, height = (value * self.station.scale for value in self._still(node))
@@ -165,6 +172,7 @@ class Robot:
     def press(self, node, times=1):
         """Clicks the middle of an enabled widget."""
         self.wait_enabled(node)
+        self._wait_active()
         x, y, width, height = self._still(node)
         if node.role in CHECK + RADIO:
             width = min(width, 18)
