@@ -231,7 +231,7 @@ void frmScanNew::cmdDrop_Click() {
         pop_count = 4;
         p_popMenu(*Dmnu);
         // Doubled as on the button; the menu shows an ampersand as it stands.
-        add_menu_title(*Dmnu, u"After you click 'Save && New...'"_s.replace("&&"_L1, "&"_L1));
+        add_menu_title(*Dmnu, u"After you click 'Save && New...'"_s);
         add_menu_separator(*Dmnu);
         add_grey_item(*Dmnu, u"Keep the previous tags"_s, u"mnurtagson"_s);
         Dmnu->ItemChecked(Dmnu->ItemCount(), retain_tags);

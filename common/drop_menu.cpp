@@ -14,13 +14,17 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // In an action's text "&" marks an access key and a tab begins a second column.
-QString action_text(QString caption) {
-    return caption.replace(u'&', "&&"_L1).replace(u'\t', u' ');
+QString action_text(const QString& caption) {
+    return DropMenu::shown_caption(caption).replace(u'&', "&&"_L1).replace(u'\t', u' ');
 }
 
 } // namespace
 
 DropMenu::~DropMenu() = default;
+
+QString DropMenu::shown_caption(QString caption) {
+    return caption.replace("&&"_L1, "&"_L1);
+}
 
 void DropMenu::ClearItems() {
     items_.clear();

@@ -28,6 +28,8 @@ public:
     void AddItem(const QString& caption, int kind, int item_number);
     int ItemCount() const;
     QString ItemCaption(int index) const;
+    /// A caption as it is shown: "&&" stands for one "&"; no letter becomes an access key.
+    static QString shown_caption(QString caption);
 
     void ItemSubText(int index, const QString& text);
     /// 1 keeps a long caption from widening the menu: it ends in dots.

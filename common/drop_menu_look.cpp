@@ -103,7 +103,7 @@ QSize DropMenu::item_size(const QAction* action) const {
     if (!item || item->separator)
         return {margin_width() + kRightPadding, kSeparatorHeight};
     const QFontMetrics caption(font());
-    int width = caption.horizontalAdvance(one_line(item->caption));
+    int width = caption.horizontalAdvance(one_line(shown_caption(item->caption)));
     int height = caption.height() + 2 * kLinePadding;
     if (!item->sub_text.isEmpty()) {
         const QFontMetrics sub_text(sub_text_font());
@@ -194,9 +194,9 @@ void DropMenu::paint_item(QPainter& painter, const QRect& rect, const Item& item
         Qt::TextSingleLine);
     painter.setFont(font());
     painter.setPen(text_color_of(item, selected));
-    painter.drawText(
-        text, flags,
-        QFontMetrics(font()).elidedText(one_line(item.caption), Qt::ElideRight, text.width()));
+    painter.drawText(text, flags,
+                     QFontMetrics(font()).elidedText(one_line(shown_caption(item.caption)),
+                                                     Qt::ElideRight, text.width()));
     if (item.sub_text.isEmpty())
         return;
     const QFontMetrics sub_text(sub_text_font());

@@ -345,7 +345,7 @@ private Q_SLOTS:
 
 private:
     static QStringList menu_with(bool kept) {
-        return {u"!After you click 'Save & New...'"_s, u"-"_s,
+        return {u"!After you click 'Save && New...'"_s, u"-"_s,
                 kept ? u"*Keep the previous tags"_s : u"Keep the previous tags"_s,
                 kept ? u"Clear all tags"_s : u"*Clear all tags"_s};
     }
