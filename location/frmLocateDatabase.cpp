@@ -79,11 +79,10 @@ void frmLocateDatabase::connect_controls() {
 // Only the fields of the chosen option can be filled in.
 void frmLocateDatabase::follow_option() {
     const bool create = ui_->opt1->isChecked();
-    for (QWidget* field : {static_cast<QWidget*>(ui_->lblLocation),
-                           static_cast<QWidget*>(ui_->txtLocation),
-                           static_cast<QWidget*>(ui_->cmdBrowse1),
-                           static_cast<QWidget*>(ui_->lblFolder),
-                           static_cast<QWidget*>(ui_->txtFolder)})
+    for (QWidget* field :
+         {static_cast<QWidget*>(ui_->lblLocation), static_cast<QWidget*>(ui_->txtLocation),
+          static_cast<QWidget*>(ui_->cmdBrowse1), static_cast<QWidget*>(ui_->lblFolder),
+          static_cast<QWidget*>(ui_->txtFolder)})
         field->setEnabled(create);
     ui_->txtLocation2->setEnabled(!create);
     ui_->cmdBrowse2->setEnabled(!create);

@@ -28,7 +28,8 @@ public:
     ~frmLocateDatabase() override;
 
     /// Seam for tests: the folder picker.
-    static std::function<std::optional<QString>(QWidget* owner, const QString& title)> folder_picker;
+    static std::function<std::optional<QString>(QWidget* owner, const QString& title)>
+        folder_picker;
 
 private:
     void Form_Load();

@@ -48,7 +48,8 @@ int number_of(int system_error) {
 void check_folder(const QString& path) {
     const QString folder = QFileInfo(path).path();
     if (!QFileInfo(folder).isDir())
-        throw Error{kPathNotFound, QStringLiteral("Cannot write ") + QDir::toNativeSeparators(path) +
+        throw Error{kPathNotFound, QStringLiteral("Cannot write ") +
+                                       QDir::toNativeSeparators(path) +
                                        QStringLiteral(": the folder cannot be found")};
 }
 
@@ -83,8 +84,8 @@ void copy_file(const QString& source, const QString& target) {
     errno = 0;
     if (!in.open(QIODevice::ReadOnly)) {
         if (!QFileInfo::exists(source))
-            throw Error{kFileNotFound, QStringLiteral("File not found: ") +
-                                           QDir::toNativeSeparators(source)};
+            throw Error{kFileNotFound,
+                        QStringLiteral("File not found: ") + QDir::toNativeSeparators(source)};
         fail(QStringLiteral("Cannot read"), source, in.errorString());
     }
     write_file(target, [&](QIODevice& out) {

@@ -110,15 +110,4 @@ std::optional<QString> pick_folder(QWidget* owner, const QString& title) {
     return QDir::toNativeSeparators(folder);
 }
 
-QString site_page(const QString& path) {
-    const QString site = QStringLiteral(FOLIDEX_SITE);
-    if (!site.isEmpty())
-        return site + path;
-    // The pages are installed beside the program, and lie there too where it was built.
-    const QString file = QDir::cleanPath(program_folder() + u"/site"_s + path);
-    if (!QFileInfo::exists(file))
-        throw Error{kFileNotFound, u"The page cannot be found: "_s + file};
-    return QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded);
-}
-
 } // namespace folidex

@@ -88,15 +88,4 @@ std::optional<QString> pick_folder(QWidget* owner, const QString& /*title*/) {
     return QString::fromWCharArray(path);
 }
 
-QString site_page(const QString& path) {
-    const QString site = QStringLiteral(FOLIDEX_SITE);
-    if (!site.isEmpty())
-        return site + path;
-    const QString file = QDir::cleanPath(program_folder() + u"/site"_s + path);
-    if (!QFileInfo::exists(file))
-        throw Error{kFileNotFound,
-                    u"The page cannot be found: "_s + QDir::toNativeSeparators(file)};
-    return QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded);
-}
-
 } // namespace folidex

@@ -120,8 +120,8 @@ void frmTags::fill_grid() {
 void frmTags::fill_me(const QString& link) {
     trapped(kModule, "fill_me", [&] {
         clr_box();
-        Recordset tag = database().open_recordset(u"Select * from tags where link = "_s +
-                                                  number_text(link));
+        Recordset tag =
+            database().open_recordset(u"Select * from tags where link = "_s + number_text(link));
         if (tag.record_count() > 0) {
             const QString description = tag.text(u"Description"_s);
             ui_->txtDescription->setText(description);

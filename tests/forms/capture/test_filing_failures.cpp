@@ -4,10 +4,9 @@
 #include "app/process_values.h"
 #include "data/database.h"
 #include "tests/forms/capture/capture_desk.h"
+#include "tests/support/small_disk.h"
 
 #include <QDir>
-#include <csignal>
-#include <sys/resource.h>
 
 using namespace folidex;
 using namespace folidex::test;
@@ -16,27 +15,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr double kOctober12 = 40098;
-
-// Files larger than a limit cannot be written, as on a full disk.
-class SmallDisk {
-public:
-    explicit SmallDisk(rlim_t bytes) : former_handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        rlimit limit = before_;
-        limit.rlim_cur = bytes;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~SmallDisk() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, former_handler_);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-private:
-    rlimit before_{};
-    void (*former_handler_)(int);
-};
 
 } // namespace
 

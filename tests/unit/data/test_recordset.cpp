@@ -4,7 +4,7 @@
 #include "app/process_values.h"
 #include "data/database.h"
 #include "tests/support/test_station.h"
-#include "tests/unit/data/thrown.h"
+#include "tests/unit/data/pairs.h"
 
 #include <QTest>
 
@@ -37,37 +37,19 @@ private slots:
     void an_open_set_holds_no_lock();
 
 private:
-    Recordset open(const QString& sql) { return database().open_recordset(sql); }
-    void pair(int scan, int tag) {
-        database().execute(u"INSERT INTO tagged (scan, tag) VALUES (%1, %2)"_s.arg(scan).arg(tag));
-    }
-    void three_pairs() {
-        pair(9, 30);
-        pair(9, 2);
-        pair(9, 17);
-    }
-    bool can_write_elsewhere();
-
     std::unique_ptr<TestStation> station_;
 };
 
-// A statement of another station that would be refused at once while the file is held.
-bool TestRecordset::can_write_elsewhere() {
-    const auto other = Database::open(station_->database_path());
-    other->execute(u"PRAGMA busy_timeout = 0"_s);
-    return !thrown([&] { other->execute(u"INSERT INTO tagged (scan, tag) VALUES (1, 1)"_s); });
-}
-
 void TestRecordset::an_empty_set_counts_nothing_and_is_at_its_end() {
-    const Recordset set = open(u"Select * from tags"_s);
+    const Recordset set = open_set(u"Select * from tags"_s);
     QCOMPARE(set.record_count(), 0);
     QVERIFY(set.eof());
     QCOMPARE(thrown_number([&] { set.field(u"link"_s); }), 3021);
 }
 
 void TestRecordset::a_set_counts_one_until_it_was_read_to_its_end() {
-    three_pairs();
-    Recordset set = open(u"Select * from tagged"_s);
+    add_three_pairs();
+    Recordset set = open_set(u"Select * from tagged"_s);
     QCOMPARE(set.record_count(), 1);
     set.move_next();
     QCOMPARE(set.record_count(), 1);
@@ -80,8 +62,8 @@ void TestRecordset::a_set_counts_one_until_it_was_read_to_its_end() {
 }
 
 void TestRecordset::walking_to_the_end_makes_the_count_exact() {
-    three_pairs();
-    Recordset set = open(u"Select * from tagged"_s);
+    add_three_pairs();
+    Recordset set = open_set(u"Select * from tagged"_s);
     QStringList tags;
     for (; !set.eof(); set.move_next())
         tags.append(set.text(u"Tag"_s));
@@ -90,7 +72,7 @@ void TestRecordset::walking_to_the_end_makes_the_count_exact() {
 }
 
 void TestRecordset::moving_in_an_empty_set_is_allowed() {
-    Recordset set = open(u"Select * from tags"_s);
+    Recordset set = open_set(u"Select * from tags"_s);
     set.move_last();
     set.move_first();
     QCOMPARE(set.record_count(), 0);
@@ -99,16 +81,16 @@ void TestRecordset::moving_in_an_empty_set_is_allowed() {
 }
 
 void TestRecordset::moving_past_the_end_is_an_error() {
-    pair(1, 1);
-    Recordset set = open(u"Select * from tagged"_s);
+    add_pair(1, 1);
+    Recordset set = open_set(u"Select * from tagged"_s);
     set.move_next();
     QVERIFY(set.eof());
     QCOMPARE(thrown_number([&] { set.move_next(); }), 3021);
 }
 
 void TestRecordset::fields_are_found_by_name_without_regard_to_case() {
-    pair(4, 5);
-    const Recordset set = open(u"Select * from tagged"_s);
+    add_pair(4, 5);
+    const Recordset set = open_set(u"Select * from tagged"_s);
     QCOMPARE(set.text(u"SCAN"_s), u"4"_s);
     QCOMPARE(set.field_index(u"Tag"_s), 1);
     QCOMPARE(set.field_count(), 2);
@@ -121,7 +103,7 @@ void TestRecordset::fields_are_found_by_name_without_regard_to_case() {
 void TestRecordset::a_field_has_its_type_and_its_text() {
     database().execute(u"INSERT INTO scans ([link], [description], [date], [fname], [location]) "
                        "VALUES (5, 'x', 40098.123456789012, '0', '0109')"_s);
-    const Recordset set = open(u"Select * from scans"_s);
+    const Recordset set = open_set(u"Select * from scans"_s);
     QCOMPARE(set.field(u"link"_s).typeId(), static_cast<int>(QMetaType::LongLong));
     QCOMPARE(set.field(u"date"_s).typeId(), static_cast<int>(QMetaType::Double));
     QCOMPARE(set.field(u"location"_s).typeId(), static_cast<int>(QMetaType::QString));
@@ -131,7 +113,7 @@ void TestRecordset::a_field_has_its_type_and_its_text() {
 
 void TestRecordset::null_is_an_empty_text() {
     database().execute(u"INSERT INTO scans ([link]) VALUES (5)"_s);
-    const Recordset set = open(u"Select * from scans"_s);
+    const Recordset set = open_set(u"Select * from scans"_s);
     QVERIFY(set.field(u"description"_s).isNull());
     QCOMPARE(set.text(u"description"_s), QString());
     QCOMPARE(set.text(u"date"_s), QString());
@@ -158,7 +140,7 @@ void TestRecordset::find_first_positions_on_the_first_match() {
     QFETCH(QString, link);
     for (const QString& name : {u"Alpha"_s, u"Beta"_s, u"Ärger"_s, u"it's"_s, u"beta"_s})
         station_->add_tag(name);
-    Recordset set = open(u"Select * from tags"_s);
+    Recordset set = open_set(u"Select * from tags"_s);
     set.move_last();
     set.find_first(criterion);
     QVERIFY(!set.no_match());
@@ -166,10 +148,10 @@ void TestRecordset::find_first_positions_on_the_first_match() {
 }
 
 void TestRecordset::find_first_without_a_match_says_so_and_stays() {
-    three_pairs();
-    pair(9, 40);
+    add_three_pairs();
+    add_pair(9, 40);
     database().execute(u"INSERT INTO tagged (scan) VALUES (9)"_s);
-    Recordset set = open(u"Select * from tagged"_s);
+    Recordset set = open_set(u"Select * from tagged"_s);
     set.find_first(u"tag = 2"_s);
     QVERIFY(!set.no_match());
     for (const QString& criterion : {u"tag = 3"_s, u"tag = 'x'"_s, u"tag < 2"_s}) {
@@ -195,14 +177,14 @@ void TestRecordset::a_criterion_that_is_none_is_an_error_data() {
 void TestRecordset::a_criterion_that_is_none_is_an_error() {
     QFETCH(QString, criterion);
     QFETCH(int, number);
-    three_pairs();
-    Recordset set = open(u"Select * from tagged"_s);
+    add_three_pairs();
+    Recordset set = open_set(u"Select * from tagged"_s);
     QCOMPARE(thrown_number([&] { set.find_first(criterion); }), number);
 }
 
 void TestRecordset::all_rows_come_from_the_current_one_on() {
-    three_pairs();
-    Recordset set = open(u"Select * from tagged"_s);
+    add_three_pairs();
+    Recordset set = open_set(u"Select * from tagged"_s);
     set.move_next();
     const auto rows = set.get_rows();
     QCOMPARE(rows.size(), std::size_t(2));
@@ -213,8 +195,8 @@ void TestRecordset::all_rows_come_from_the_current_one_on() {
 }
 
 void TestRecordset::a_set_keeps_the_rows_of_its_moment() {
-    three_pairs();
-    Recordset set = open(u"Select * from tagged"_s);
+    add_three_pairs();
+    Recordset set = open_set(u"Select * from tagged"_s);
     database().execute(u"DELETE * FROM tagged where scan = 9"_s);
     set.move_last();
     QCOMPARE(set.record_count(), 3);
@@ -222,9 +204,9 @@ void TestRecordset::a_set_keeps_the_rows_of_its_moment() {
 }
 
 void TestRecordset::an_open_set_holds_no_lock() {
-    three_pairs();
-    const Recordset set = open(u"Select * from tagged"_s);
-    QVERIFY(can_write_elsewhere());
+    add_three_pairs();
+    const Recordset set = open_set(u"Select * from tagged"_s);
+    QVERIFY(can_write_elsewhere(*station_));
     QVERIFY(!set.eof());
 }
 

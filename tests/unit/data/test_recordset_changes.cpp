@@ -4,7 +4,7 @@
 #include "app/process_values.h"
 #include "data/database.h"
 #include "tests/support/test_station.h"
-#include "tests/unit/data/thrown.h"
+#include "tests/unit/data/pairs.h"
 
 #include <QTest>
 
@@ -40,29 +40,11 @@ private slots:
     void a_set_outlives_the_connection_that_made_it();
 
 private:
-    Recordset open(const QString& sql) { return database().open_recordset(sql); }
-    void pair(int scan, int tag) {
-        database().execute(u"INSERT INTO tagged (scan, tag) VALUES (%1, %2)"_s.arg(scan).arg(tag));
-    }
-    void three_pairs() {
-        pair(9, 30);
-        pair(9, 2);
-        pair(9, 17);
-    }
-    bool can_write_elsewhere();
-
     std::unique_ptr<TestStation> station_;
 };
 
-// A statement of another station that would be refused at once while the file is held.
-bool TestRecordsetChanges::can_write_elsewhere() {
-    const auto other = Database::open(station_->database_path());
-    other->execute(u"PRAGMA busy_timeout = 0"_s);
-    return !thrown([&] { other->execute(u"INSERT INTO tagged (scan, tag) VALUES (1, 1)"_s); });
-}
-
 void TestRecordsetChanges::an_edit_reads_the_row_afresh_and_writes_it() {
-    Recordset set = open(u"Select * from comp"_s);
+    Recordset set = open_set(u"Select * from comp"_s);
     QCOMPARE(set.text(u"NewLink"_s), u"1"_s);
     Database::open(station_->database_path())->execute(u"UPDATE comp SET comp.NewLink = 70"_s);
     QCOMPARE(set.text(u"NewLink"_s), u"1"_s);
@@ -76,12 +58,12 @@ void TestRecordsetChanges::an_edit_reads_the_row_afresh_and_writes_it() {
 }
 
 void TestRecordsetChanges::an_edit_holds_the_file_until_it_is_written() {
-    Recordset set = open(u"Select * from comp"_s);
+    Recordset set = open_set(u"Select * from comp"_s);
     set.edit();
-    QVERIFY(!can_write_elsewhere());
+    QVERIFY(!can_write_elsewhere(*station_));
     set.set_field(u"NewLink"_s, 5);
     set.update();
-    QVERIFY(can_write_elsewhere());
+    QVERIFY(can_write_elsewhere(*station_));
 }
 
 void TestRecordsetChanges::an_abandoned_edit_changes_nothing_and_lets_go_data() {
@@ -95,7 +77,7 @@ void TestRecordsetChanges::an_abandoned_edit_changes_nothing_and_lets_go_data() 
 
 void TestRecordsetChanges::an_abandoned_edit_changes_nothing_and_lets_go() {
     QFETCH(int, way);
-    auto set = std::make_unique<Recordset>(open(u"Select * from comp"_s));
+    auto set = std::make_unique<Recordset>(open_set(u"Select * from comp"_s));
     set->edit();
     set->set_field(u"NewLink"_s, 5);
     switch (way) {
@@ -109,58 +91,58 @@ void TestRecordsetChanges::an_abandoned_edit_changes_nothing_and_lets_go() {
         set->move_first();
         break;
     case 3:
-        *set = open(u"Select * from comp"_s);
+        *set = open_set(u"Select * from comp"_s);
         break;
     default:
         set->get_rows();
     }
-    QVERIFY(can_write_elsewhere());
+    QVERIFY(can_write_elsewhere(*station_));
     QCOMPARE(station_->value(u"Select * from comp"_s), u"1"_s);
 }
 
 void TestRecordsetChanges::an_exception_in_an_edit_leaves_no_lock() {
     QCOMPARE(thrown_number([&] {
-                 Recordset set = open(u"Select * from comp"_s);
+                 Recordset set = open_set(u"Select * from comp"_s);
                  set.edit();
                  set.set_field(u"no such field"_s, 5);
              }),
              3265);
-    QVERIFY(can_write_elsewhere());
+    QVERIFY(can_write_elsewhere(*station_));
 }
 
 void TestRecordsetChanges::a_failed_update_leaves_no_lock() {
     station_->add_tag(u"one"_s);
     station_->add_tag(u"two"_s);
-    Recordset set = open(u"Select * from tags where link = 2"_s);
+    Recordset set = open_set(u"Select * from tags where link = 2"_s);
     set.edit();
     set.set_field(u"Link"_s, 1);
     const auto error = thrown([&] { set.update(); });
     QVERIFY(error);
     QVERIFY(error->description.contains(u"UNIQUE"_s));
     QVERIFY(error->description.contains(station_->database_path()));
-    QVERIFY(can_write_elsewhere());
+    QVERIFY(can_write_elsewhere(*station_));
     QCOMPARE(station_->rows(u"Select * from tags"_s), QStringList({u"1|one"_s, u"2|two"_s}));
 }
 
 void TestRecordsetChanges::editing_a_row_that_another_station_deleted_says_so() {
-    three_pairs();
-    Recordset set = open(u"Select * from tagged"_s);
+    add_three_pairs();
+    Recordset set = open_set(u"Select * from tagged"_s);
     database().execute(u"DELETE * FROM tagged where tag = 30"_s);
     const auto error = thrown([&] { set.edit(); });
     QVERIFY(error);
     QCOMPARE(error->number, 3167);
     QCOMPARE(error->description, u"Record is deleted."_s);
-    QVERIFY(can_write_elsewhere());
+    QVERIFY(can_write_elsewhere(*station_));
 }
 
 void TestRecordsetChanges::editing_without_a_current_row_is_an_error() {
-    Recordset set = open(u"Select * from tags"_s);
+    Recordset set = open_set(u"Select * from tags"_s);
     QCOMPARE(thrown_number([&] { set.edit(); }), 3021);
-    QVERIFY(can_write_elsewhere());
+    QVERIFY(can_write_elsewhere(*station_));
 }
 
 void TestRecordsetChanges::a_field_is_set_only_in_an_edit() {
-    Recordset set = open(u"Select * from comp"_s);
+    Recordset set = open_set(u"Select * from comp"_s);
     QCOMPARE(thrown_number([&] { set.set_field(u"NewLink"_s, 5); }), 3020);
     QCOMPARE(thrown_number([&] { set.update(); }), 3020);
     QCOMPARE(station_->value(u"Select * from comp"_s), u"1"_s);
@@ -168,7 +150,7 @@ void TestRecordsetChanges::a_field_is_set_only_in_an_edit() {
 
 void TestRecordsetChanges::a_new_row_is_added() {
     station_->add_tag(u"one"_s);
-    Recordset set = open(u"Select * from tags"_s);
+    Recordset set = open_set(u"Select * from tags"_s);
     set.add_new();
     QVERIFY(set.field(u"link"_s).isNull());
     set.set_field(u"link"_s, 8);
@@ -184,18 +166,18 @@ void TestRecordsetChanges::a_new_row_is_added() {
 
 void TestRecordsetChanges::a_new_row_that_fails_is_not_in_the_set() {
     station_->add_tag(u"one"_s);
-    Recordset set = open(u"Select * from tags"_s);
+    Recordset set = open_set(u"Select * from tags"_s);
     set.add_new();
     set.set_field(u"link"_s, 1);
     QVERIFY(thrown([&] { set.update(); }));
     set.move_last();
     QCOMPARE(set.record_count(), 1);
-    QVERIFY(can_write_elsewhere());
+    QVERIFY(can_write_elsewhere(*station_));
 }
 
 void TestRecordsetChanges::the_current_row_is_deleted_and_the_walk_goes_on() {
-    three_pairs();
-    Recordset set = open(u"Select * from tagged where scan = 9"_s);
+    add_three_pairs();
+    Recordset set = open_set(u"Select * from tagged where scan = 9"_s);
     QStringList seen;
     for (; !set.eof(); set.move_next()) {
         seen.append(set.text(u"tag"_s));
@@ -208,8 +190,8 @@ void TestRecordsetChanges::the_current_row_is_deleted_and_the_walk_goes_on() {
 }
 
 void TestRecordsetChanges::deleting_twice_says_so() {
-    three_pairs();
-    Recordset set = open(u"Select * from tagged"_s);
+    add_three_pairs();
+    Recordset set = open_set(u"Select * from tagged"_s);
     set.delete_current();
     QVERIFY(!set.eof());
     QCOMPARE(thrown_number([&] { set.delete_current(); }), 3167);
@@ -218,8 +200,8 @@ void TestRecordsetChanges::deleting_twice_says_so() {
 }
 
 void TestRecordsetChanges::a_row_that_another_station_deleted_cannot_be_deleted() {
-    three_pairs();
-    Recordset set = open(u"Select * from tagged"_s);
+    add_three_pairs();
+    Recordset set = open_set(u"Select * from tagged"_s);
     database().execute(u"DELETE * FROM tagged where tag = 30"_s);
     QCOMPARE(thrown_number([&] { set.delete_current(); }), 3167);
     QCOMPARE(station_->rows(u"Select * from tagged"_s).size(), 2);
@@ -235,8 +217,8 @@ void TestRecordsetChanges::a_join_cannot_be_changed_data() {
 
 void TestRecordsetChanges::a_join_cannot_be_changed() {
     QFETCH(QString, sql);
-    pair(9, station_->add_tag(u"one"_s));
-    Recordset set = open(sql);
+    add_pair(9, station_->add_tag(u"one"_s));
+    Recordset set = open_set(sql);
     QVERIFY(!set.eof());
     const auto error = thrown([&] { set.edit(); });
     QVERIFY(error);
@@ -247,7 +229,7 @@ void TestRecordsetChanges::a_join_cannot_be_changed() {
 }
 
 void TestRecordsetChanges::a_closed_set_cannot_be_used() {
-    Recordset set = open(u"Select * from comp"_s);
+    Recordset set = open_set(u"Select * from comp"_s);
     set.close();
     set.close();
     QCOMPARE(thrown_number([&] { set.text(u"NewLink"_s); }), 3420);
@@ -255,7 +237,7 @@ void TestRecordsetChanges::a_closed_set_cannot_be_used() {
 }
 
 void TestRecordsetChanges::a_set_outlives_the_connection_that_made_it() {
-    Recordset set = open(u"Select * from comp"_s);
+    Recordset set = open_set(u"Select * from comp"_s);
     set.edit();
     set_database(nullptr);
     set.set_field(u"NewLink"_s, 9);

@@ -4,11 +4,9 @@
 #include "common/error.h"
 #include "platform/safe_file.h"
 #include "tests/support/ordinary_user.h"
+#include "tests/support/small_disk.h"
 
 #include <QTest>
-#include <sys/resource.h>
-
-#include <csignal>
 
 using namespace folidex;
 using namespace Qt::StringLiterals;
@@ -28,24 +26,6 @@ template <class Action> Error failure_of(Action action) {
     }
     return {0, u"no failure"_s};
 }
-
-// Files larger than a limit cannot be written, as on a full disk.
-class SmallDisk {
-public:
-    explicit SmallDisk(rlim_t bytes) {
-        std::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        rlimit limit = before_;
-        limit.rlim_cur = bytes;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~SmallDisk() { ::setrlimit(RLIMIT_FSIZE, &before_); }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-private:
-    rlimit before_{};
-};
 
 } // namespace
 
@@ -85,7 +65,7 @@ private Q_SLOTS:
         const QByteArray large(4 << 20, 'x');
         write_file(path(u"large"_s), large);
         write_file(path(u"target"_s), "old");
-        const SmallDisk disk(64 << 10);
+        const test::SmallDisk disk(64 << 10);
         const Error error = failure_of([&] { copy_file(path(u"large"_s), path(u"target"_s)); });
         QVERIFY(error.number != 0);
         QVERIFY2(error.description.contains(path(u"target"_s)), qPrintable(error.description));
