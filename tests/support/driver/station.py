@@ -5,6 +5,7 @@
 import ctypes
 import os
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -180,6 +181,26 @@ class Station:
         self._start("openbox", ["openbox", "--sm-disable"])
         wait_until(lambda: "window id" in self.output(
             "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+        # It gives its name before it looks after windows, and one that comes in between may
+        # never be shown. It is ready when it has taken a window and let it go again.
+        wait_until(self._manages_a_window, "the window manager to take a window")
+        wait_until(lambda: not self._managed_windows(), "the window manager to let a window go")
+
+    def _managed_windows(self):
+        return re.findall(r"0x[0-9a-f]+", self.output("xprop", "-root", "_NET_CLIENT_LIST"))
+
+    def _manages_a_window(self):
+        probe = subprocess.Popen(["xev", "-event", "property"], env=self.environment,
+                                 stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                 stderr=subprocess.DEVNULL, preexec_fn=_end_with_parent)
+        try:
+            wait_until(self._managed_windows, "a window to be taken", timeout=5)
+            return True
+        except DriverError:
+            return False
+        finally:
+            probe.kill()
+            probe.wait()
 
     def _read_log(self, name):
         return (self.log_folder / f"{name}.log").read_text(errors="replace").strip()
