@@ -194,7 +194,7 @@ class Station:
                                  stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                  stderr=subprocess.DEVNULL, preexec_fn=_end_with_parent)
         try:
-            wait_until(self._managed_windows, "a window to be taken", timeout=5)
+            wait_until(self._managed_windows, "a window to be taken", timeout=1)
             return True
         except DriverError:
             return False
