@@ -70,6 +70,15 @@ constexpr ToolbarButton kButtons[] = {
     {"Exit", "exit", ""},
 };
 
+// Dark desktops often leave links in the blue that is made for white.
+QColor readable_link(const QPalette& palette) {
+    constexpr int kLeastContrast = 80;
+    const QColor link = palette.color(QPalette::Link);
+    const QColor ground = palette.color(QPalette::Window);
+    const bool readable = std::abs(qGray(link.rgb()) - qGray(ground.rgb())) >= kLeastContrast;
+    return readable ? link : palette.color(QPalette::WindowText);
+}
+
 void set_height(QWidget* widget, double twips) {
     widget->resize(widget->width(), to_pixels(qMax(twips, 0.0)));
 }
@@ -251,7 +260,7 @@ void frmMain::place_controls() {
 
 void frmMain::dress_controls() {
     QPalette link = Label1->palette();
-    link.setColor(QPalette::ButtonText, palette().color(QPalette::Link));
+    link.setColor(QPalette::ButtonText, readable_link(palette()));
     Label1->setPalette(link);
     // Half the text's strength on any ground; desktops leave the placeholder's colour out of dark
     // palettes.

@@ -40,6 +40,7 @@ private Q_SLOTS:
     void a_new_query_clears_the_highlight();
     void selecting_the_header_clears_every_highlight();
     void the_highlight_keeps_its_meaning_in_a_dark_palette();
+    void add_all_can_be_read_on_a_dark_ground();
     void the_last_tag_removed_comes_back_at_the_next_start();
     void the_first_start_makes_the_folders();
     void an_empty_catalogue_leaves_the_combo_empty();
@@ -205,6 +206,21 @@ void TestMainTagFilter::selecting_the_header_clears_every_highlight() {
     QCOMPARE(main_->highlighted(), QStringList{u"Bills"_s});
     (*main_)->fgR->set_row(0);
     QCOMPARE(main_->highlighted(), QStringList{});
+}
+
+void TestMainTagFilter::add_all_can_be_read_on_a_dark_ground() {
+    main_->open();
+    const auto color = [this] { return (*main_)->Label1->palette().color(QPalette::ButtonText); };
+    QPalette light = (*main_)->palette();
+    light.setColor(QPalette::Window, QColor(240, 240, 240));
+    light.setColor(QPalette::Link, QColor(0, 0, 255));
+    (*main_)->setPalette(light);
+    QTRY_COMPARE(color(), QColor(0, 0, 255));
+    QPalette dark = light;
+    dark.setColor(QPalette::Window, Qt::black);
+    dark.setColor(QPalette::WindowText, QColor(255, 255, 0));
+    (*main_)->setPalette(dark);
+    QTRY_COMPARE(color(), QColor(255, 255, 0));
 }
 
 void TestMainTagFilter::the_highlight_keeps_its_meaning_in_a_dark_palette() {
