@@ -113,6 +113,14 @@ QStringList CaptureDesk::menu() const {
     return lines;
 }
 
+QStringList CaptureDesk::scans() const {
+    return station.rows(u"Select description, date, fname, location from scans order by link"_s);
+}
+
+QStringList CaptureDesk::tagged() const {
+    return station.rows(u"Select rowid, scan, tag from tagged order by rowid"_s);
+}
+
 QStringList CaptureDesk::assigned_tags() const {
     QStringList lines;
     for (int row = 0; row < assigned()->rows(); ++row)

@@ -72,6 +72,10 @@ public:
     QStringList menu() const;
     /// Descriptions and links in the tag grid, "Invoice=3".
     QStringList assigned_tags() const;
+    /// What lies in the database: each document's description, date, file name and folder, and
+    /// each pair of a document and a tag, in the order of their numbers.
+    QStringList scans() const;
+    QStringList tagged() const;
     void click_cell(int row, int column) const;
     void set_date(const QDate& date) const;
 

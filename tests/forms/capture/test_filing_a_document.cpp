@@ -27,13 +27,6 @@ class TestFilingADocument : public QObject {
 
     std::unique_ptr<CaptureDesk> desk_;
 
-    QStringList scans() const {
-        return desk_->station.rows(
-            u"Select description, date, fname, location from scans order by link"_s);
-    }
-    QStringList tagged() const {
-        return desk_->station.rows(u"Select rowid, scan, tag from tagged order by rowid"_s);
-    }
     void refused(const QString& prompt) {
         desk_->boxes.expect(prompt, kInformationIcon, u"Error"_s);
         desk_->click("cmdSave");
@@ -60,7 +53,7 @@ private Q_SLOTS:
         desk_->click("cmdSave");
         QVERIFY(!desk_->form->isVisible());
         const QString name = u"101209143005_%1.pdf"_s.arg(link);
-        QCOMPARE(scans(), QStringList(u"Letter of March|40238|"_s + name + u"|0310"_s));
+        QCOMPARE(desk_->scans(), QStringList(u"Letter of March|40238|"_s + name + u"|0310"_s));
         QCOMPARE(desk_->station.rows(u"Select scan, tag from tagged"_s),
                  QStringList(u"%1|%2"_s.arg(link).arg(tag)));
         QCOMPARE(desk_->filed(u"0310"_s, name), u"scan 1: pages 1"_s);
@@ -99,10 +92,10 @@ private Q_SLOTS:
         QVERIFY(desk_->has_focus("cmbTags"));
         desk_->add_tag(u"Letters"_s);
         refused(kNoScan);
-        QCOMPARE(scans(), QStringList());
+        QCOMPARE(desk_->scans(), QStringList());
         desk_->scan();
         desk_->click("cmdSave");
-        QCOMPARE(scans().size(), 1);
+        QCOMPARE(desk_->scans().size(), 1);
     }
 
     void a_refusal_keeps_the_form_and_the_scan() {
@@ -132,7 +125,7 @@ private Q_SLOTS:
         desk_->open(link);
         desk_->describe(u"New"_s);
         desk_->click("cmdSave");
-        QCOMPARE(scans(), QStringList(u"New|40098|a.pdf|1009"_s));
+        QCOMPARE(desk_->scans(), QStringList(u"New|40098|a.pdf|1009"_s));
         QCOMPARE(desk_->filed(u"1009"_s, u"a.pdf"_s), u"filed pages"_s);
         QCOMPARE(QFileInfo(document_path(u"1009"_s, u"a.pdf"_s)).lastModified(), written);
     }
@@ -147,7 +140,7 @@ private Q_SLOTS:
         desk_->open(link);
         desk_->describe(u"New"_s);
         desk_->click("cmdSave");
-        QCOMPARE(scans(), QStringList(u"New|40098|a.pdf|1009"_s));
+        QCOMPARE(desk_->scans(), QStringList(u"New|40098|a.pdf|1009"_s));
     }
 
     void a_new_scan_takes_the_old_name_and_folder() {
@@ -169,14 +162,14 @@ private Q_SLOTS:
         const int link =
             desk_->station.add_document(u"Old"_s, kOctober12, {letters}, u"1009"_s, u"a.pdf"_s);
         QVERIFY(QDir().mkpath(document_path(u"1009"_s, u"a.pdf"_s)));
-        const QStringList before = tagged();
+        const QStringList before = desk_->tagged();
         desk_->open(link);
         desk_->describe(u"New"_s);
         desk_->add_tag(u"More"_s);
         desk_->scan();
         refused(kInUse);
-        QCOMPARE(scans(), QStringList(u"Old|40098|a.pdf|1009"_s));
-        QCOMPARE(tagged(), before);
+        QCOMPARE(desk_->scans(), QStringList(u"Old|40098|a.pdf|1009"_s));
+        QCOMPARE(desk_->tagged(), before);
         QCOMPARE(content_of(desk_->temporary_scan()), u"scan 1: pages 1"_s);
     }
 
@@ -204,7 +197,7 @@ private Q_SLOTS:
         desk_->open(link);
         desk_->set_date({2010, 3, 1});
         desk_->click("cmdSave");
-        QCOMPARE(scans(), QStringList(u"Old|40238|a.pdf|1009"_s));
+        QCOMPARE(desk_->scans(), QStringList(u"Old|40238|a.pdf|1009"_s));
         QCOMPARE(desk_->filed(u"1009"_s, u"a.pdf"_s), u"filed pages"_s);
         QVERIFY(!QDir(desk_->station.data_folder() + u"/scanned_files/0310"_s).exists());
     }
@@ -229,13 +222,13 @@ private Q_SLOTS:
         for (const QString& name : {u"A"_s, u"B"_s, u"C"_s})
             tags.append(desk_->station.add_tag(name));
         const int link = desk_->station.add_document(u"Old"_s, kOctober12, tags);
-        QStringList rows = tagged();
+        QStringList rows = desk_->tagged();
         QCOMPARE(rows.size(), 3);
         desk_->open(link);
         desk_->click_cell(1, 0);
         desk_->click("cmdSave");
         rows.removeAt(1);
-        QCOMPARE(tagged(), rows);
+        QCOMPARE(desk_->tagged(), rows);
     }
 
     void adding_one_tag_inserts_one_row() {
@@ -244,12 +237,12 @@ private Q_SLOTS:
             tags.append(desk_->station.add_tag(name));
         const int link = desk_->station.add_document(u"Old"_s, kOctober12, {tags[2], tags[0]});
         const int other = desk_->station.add_document(u"Other"_s, kOctober12, {tags[1]});
-        const QStringList before = tagged();
+        const QStringList before = desk_->tagged();
         desk_->open(link);
         desk_->add_tag(u"B"_s);
         desk_->click("cmdSave");
-        QCOMPARE(tagged().first(before.size()), before);
-        QCOMPARE(tagged().size(), before.size() + 1);
+        QCOMPARE(desk_->tagged().first(before.size()), before);
+        QCOMPARE(desk_->tagged().size(), before.size() + 1);
         QCOMPARE(
             desk_->station.rows(u"Select tag from tagged where scan = "_s + QString::number(link)),
             QStringList(

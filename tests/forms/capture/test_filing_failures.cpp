@@ -24,13 +24,6 @@ class TestFilingFailures : public QObject {
 
     std::unique_ptr<CaptureDesk> desk_;
 
-    QStringList scans() const {
-        return desk_->station.rows(
-            u"Select description, date, fname, location from scans order by link"_s);
-    }
-    QStringList tagged() const {
-        return desk_->station.rows(u"Select rowid, scan, tag from tagged order by rowid"_s);
-    }
     // A failure in save_me passes the button's procedure and would end the program there.
     void fails_in_save_me(int number, const char* button, const QString& procedure) {
         desk_->boxes.expect_report(u"frmScanNew"_s, u"save_me"_s, number);
@@ -58,8 +51,8 @@ private Q_SLOTS:
         const int link = desk_->station.value(u"Select NewLink from comp"_s).toInt();
         QVERIFY(QDir().mkpath(document_path(u"1009"_s, u"101209143005_%1.pdf/x"_s.arg(link))));
         fails_in_save_me(kInternalError, "cmdSave", u"cmdSave_Click"_s);
-        QCOMPARE(scans().size(), 1);
-        QCOMPARE(tagged().size(), 1);
+        QCOMPARE(desk_->scans().size(), 1);
+        QCOMPARE(desk_->tagged().size(), 1);
         QCOMPARE(desk_->station.value(u"Select NewLink from comp"_s).toInt(), link + 1);
         QCOMPARE(content_of(desk_->temporary_scan()), u"scan 1: pages 1"_s);
         QCOMPARE(desk_->description()->text(), u"Letter"_s);
@@ -72,7 +65,7 @@ private Q_SLOTS:
         const int link =
             desk_->station.add_document(u"Old"_s, kOctober12, {letters}, u"1009"_s, u"a.pdf"_s);
         desk_->put_file(u"1009"_s, u"a.pdf"_s, "filed pages");
-        const QStringList before = tagged();
+        const QStringList before = desk_->tagged();
         desk_->open(link);
         desk_->describe(u"New"_s);
         desk_->add_tag(u"More"_s);
@@ -81,8 +74,8 @@ private Q_SLOTS:
         fails_in_save_me(kFileNotFound, "cmdSave2", u"cmdSave2_Click"_s);
         QVERIFY(desk_->boxes.shown().size() >= 2);
         QCOMPARE(desk_->filed(u"1009"_s, u"a.pdf"_s), u"<none>"_s);
-        QCOMPARE(scans(), QStringList(u"Old|40098|a.pdf|1009"_s));
-        QCOMPARE(tagged(), before);
+        QCOMPARE(desk_->scans(), QStringList(u"Old|40098|a.pdf|1009"_s));
+        QCOMPARE(desk_->tagged(), before);
     }
 
     void a_folder_that_cannot_be_made_is_named_and_writes_nothing() {
@@ -94,7 +87,7 @@ private Q_SLOTS:
         fails_in_save_me(kFileExists, "cmdSave", u"cmdSave_Click"_s);
         const QList<ShownBox> shown = desk_->boxes.shown();
         QVERIFY(shown.at(shown.size() - 2).prompt.contains(in_the_way.fileName()));
-        QCOMPARE(scans(), QStringList());
+        QCOMPARE(desk_->scans(), QStringList());
         QCOMPARE(content_of(desk_->temporary_scan()), u"scan 1: pages 1"_s);
     }
 
