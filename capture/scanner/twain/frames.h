@@ -27,7 +27,7 @@ enum class Kind : char {
     kPageEnd = 'E',  ///< PageEnd; the page is whole
     kPageDrop = 'X', ///< the page is no page: forget its rows
     kTrouble = 'T',  ///< Ending; paper in the way after pages: answer kGoOn, kKeep or kCancel
-    kDone = 'D',     ///< Ending; the last frame that means anything
+    kDone = 'D',     ///< Ending; the last frame. The source is released after it: give it a while
 };
 
 enum class Command : char {
@@ -68,6 +68,7 @@ enum class Step : std::uint8_t {
     kTransfer,
     kBadPage, ///< the driver's sizes do not agree with each other
     kEndPage,
+    kForeignPage, ///< a compression or a kind of pixel that nobody asked for; `detail` is its number
 };
 
 enum class PageKind : std::uint16_t {
@@ -104,7 +105,7 @@ struct Ending {
     std::uint16_t condition_code; ///< TWCC_...
     std::uint16_t zero;
     std::uint32_t pages;  ///< whole pages sent so far
-    std::uint32_t detail; ///< with kCrashed
+    std::uint32_t detail; ///< with kCrashed and kForeignPage
 };
 #pragma pack(pop)
 
