@@ -4,17 +4,19 @@
 # What the tools that work in a Debian 12 of their own share. Sourced, never run; the tool that
 # sources it defines fail().
 
-# The mirror this machine itself uses, in either format of its source lists.
+# mirror_of_this_machine [SUITE]: where this machine itself has the suite (bookworm) from, in either
+# format of its source lists.
 mirror_of_this_machine() {
-    local file uri
+    local suite=${1:-bookworm} file uri
     for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
         [[ -r $file ]] || continue
-        uri=$(sed -nE 's/^deb( +\[[^]]*\])? +([^ ]+) +bookworm .*/\2/p' "$file" | head -n 1)
+        uri=$(sed -nE "s/^deb( +\[[^]]*\])? +([^ ]+) +$suite .*/\2/p" "$file" | head -n 1)
         [[ -z $uri ]] || { echo "$uri"; return; }
     done
     for file in /etc/apt/sources.list.d/*.sources; do
         [[ -r $file ]] || continue
-        uri=$(awk '/^URIs:/ { uri = $2 } /^Suites:.* bookworm( |$)/ { print uri; exit }' "$file")
+        uri=$(awk -v suite="$suite" '/^URIs:/ { uri = $2 }
+            /^Suites:/ { for (i = 2; i <= NF; i++) if ($i == suite) { print uri; exit } }' "$file")
         [[ -z $uri ]] || { echo "$uri"; return; }
     done
 }
