@@ -19,14 +19,11 @@ target_compile_definitions(folidex_options INTERFACE
     FOLIDEX_VERSION_MAJOR=${PROJECT_VERSION_MAJOR}
     FOLIDEX_VERSION_MINOR=${PROJECT_VERSION_MINOR}
     FOLIDEX_VERSION_REVISION=${PROJECT_VERSION_PATCH})
+include(${CMAKE_CURRENT_LIST_DIR}/FolidexWarnings.cmake)
+target_link_libraries(folidex_options INTERFACE folidex_warnings)
 target_compile_options(folidex_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor
-    -Woverloaded-virtual $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wsuggest-override>
     # A processor fault must be able to leave the faulting function as an error.
     $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fnon-call-exceptions>)
-if(FOLIDEX_WARNINGS_AS_ERRORS)
-    target_compile_options(folidex_options INTERFACE -Werror)
-endif()
 foreach(sanitizer IN LISTS FOLIDEX_SANITIZE)
     target_compile_options(folidex_options INTERFACE -fsanitize=${sanitizer} -fno-omit-frame-pointer)
     target_link_options(folidex_options INTERFACE -fsanitize=${sanitizer})

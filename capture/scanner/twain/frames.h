@@ -68,7 +68,8 @@ enum class Step : std::uint8_t {
     kTransfer,
     kBadPage, ///< the driver's sizes do not agree with each other
     kEndPage,
-    kForeignPage, ///< a compression or a kind of pixel that nobody asked for; `detail` is its number
+    kForeignPage, ///< a compression or a kind of pixel that nobody asked for; `detail` is its
+                  ///< number
 };
 
 enum class PageKind : std::uint16_t {

@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+namespace folidex::twain {
+
+/// From here on a crash of the process, whosever code it is, is told to the program (kCrashed) and
+/// ends the process at once, without a box and without unwinding: processor faults, C++ exceptions
+/// that leave a driver, an overflow of the calling thread's stack, std::terminate and abort.
+void report_crashes();
+
+} // namespace folidex::twain
