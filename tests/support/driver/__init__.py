@@ -9,6 +9,6 @@ wait that ends without its condition fails with a picture of the screen and the 
 
 from .robot import Robot
 from .station import Station
-from .tree import DriverError, Node
+from .widget import DriverError
 
-__all__ = ["DriverError", "Node", "Robot", "Station"]
+__all__ = ["DriverError", "Robot", "Station"]

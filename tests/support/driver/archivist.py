@@ -4,7 +4,7 @@
 
 from .clerk import USE_EXISTING, Clerk
 from .robot import BOX, BUTTON, COMBO, DATE, LABEL, RADIO, TABLE, TEXT
-from .tree import DriverError
+from .widget import DriverError
 
 
 class Archivist(Clerk):

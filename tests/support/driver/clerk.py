@@ -3,7 +3,7 @@
 """The road of a document through the program's windows, as a clerk walks it."""
 
 from .robot import BOX, BUTTON, CHECK, COMBO, DATE, LABEL, RADIO, TABLE, TEXT
-from .tree import DriverError
+from .widget import DriverError
 
 CREATE_NEW = "I want to create a new data base."
 USE_EXISTING = "I would like to point to an existing data base."

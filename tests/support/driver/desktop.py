@@ -10,7 +10,7 @@ import pathlib
 
 from gi.repository import Gio
 
-from .station import wait_until
+from .stack import wait_until
 
 _SERVICE = pathlib.Path(__file__).with_name("file_manager.py")
 _NAME = "org.freedesktop.FileManager1"

@@ -6,8 +6,9 @@ import contextlib
 import pathlib
 import time
 
-from .station import wait_until
-from .tree import DriverError, Gone
+from .stack import wait_until
+from .widget import TABLES as TABLE
+from .widget import DriverError, Gone
 
 BUTTON = ("push button", "button", "push button menu")
 CHECK = ("check box",)
@@ -15,7 +16,6 @@ RADIO = ("radio button",)
 TEXT = ("text", "entry")
 COMBO = ("combo box",)
 DATE = ("spin box", "date editor")
-TABLE = ("table", "tree", "tree table")
 LABEL = ("label",)
 ITEM = ("menu item", "check menu item", "radio menu item")
 MENU = ("popup menu", "menu")
@@ -87,11 +87,8 @@ class Robot:
     def nodes(self, roles, name=None, inside=None):
         found = []
         for top in ([inside] if inside else self.windows()):
-            for node in top.walk():
-                with contextlib.suppress(Gone):
-                    if (node.role in roles and (name is None or _same(node.name, name))
-                            and "showing" in node.states):
-                        found.append(node)
+            found += [node for node, its_name in top.showing(roles)
+                      if name is None or _same(its_name, name)]
         return found
 
     def find(self, roles, name=None, inside=None, timeout=None):

@@ -2,17 +2,13 @@
 # SPDX-License-Identifier: Apache-2.0
 """A workstation of its own for the program: display, window manager, buses, folders, scanner."""
 
-import ctypes
 import os
 import pathlib
-import re
 import shutil
-import signal
 import subprocess
-import tempfile
-import time
 
-from .tree import Bus, DriverError
+from .stack import Stack
+from .widget import DriverError
 
 _SANE = pathlib.Path(__file__).resolve().parents[1] / "sane"
 _TEST_CONF = """\
@@ -25,65 +21,18 @@ br_x 120.0
 br_y 160.0
 """
 
-_LIBC = ctypes.CDLL(None)
-_PR_SET_PDEATHSIG = 1
 
+class Station(Stack):
+    """The program on this system.
 
-def _end_with_parent():
-    """In the child: a driver that is killed takes its display and its program along."""
-    _LIBC.prctl(_PR_SET_PDEATHSIG, signal.SIGKILL)
-
-
-def wait_until(condition, what, timeout=60.0):
-    """Returns the first true result of condition(); DriverError naming what when time runs out."""
-    end = time.monotonic() + timeout
-    while True:
-        result = condition()
-        if result:
-            return result
-        if time.monotonic() > end:
-            raise DriverError(f"waited {timeout:.0f} seconds in vain for {what}")
-        time.sleep(0.02)
-
-
-class Station:
-    """Starts the stack when entered, ends every process of it when left.
-
-    home is the station's folder: data (all-users folder), sane (scanner configuration), log.
-    A screen is wide enough for the program at the given scale.
+    home holds data (all-users folder), sane (scanner configuration), log.
     """
 
     def __init__(self, program, home=None, scale=1, page_delay=False,
                  name="folidex-e2e-"):
+        super().__init__(home, scale, name)
         self.program = str(pathlib.Path(program).resolve())
-        self.scale = scale
-        self._own_home = home is None
-        self.home = pathlib.Path(home or tempfile.mkdtemp(prefix=name)).resolve()
         self._page_delay = page_delay
-        self._started = []
-        self.bus = None
-        self.environment = {}
-
-    # -- the stack
-
-    def __enter__(self):
-        try:
-            self._make_folders()
-            self._start_display()
-            self._start_session_bus()
-            self._start_window_manager()
-            self.bus = Bus(self.environment["DBUS_SESSION_BUS_ADDRESS"])
-        except BaseException:
-            self._end_processes()
-            raise
-        return self
-
-    def __exit__(self, failure, _value, _trace):
-        if self.bus:
-            self.bus.close()
-        self._end_processes()
-        if self._own_home and failure is None:
-            shutil.rmtree(self.home, ignore_errors=True)
 
     @property
     def all_users_folder(self):
@@ -100,10 +49,6 @@ class Station:
     @property
     def program_folder(self):
         return pathlib.Path(self.program).parent
-
-    @property
-    def log_folder(self):
-        return self.home / "log"
 
     def _make_folders(self):
         for name in ("data", "sane", "log", "home", "run", "cache"):
@@ -142,31 +87,11 @@ class Station:
             environment["QT_SCALE_FACTOR"] = str(self.scale)
         return environment
 
-    def _log(self, name):
-        return open(self.log_folder / f"{name}.log", "ab")
-
-    def _start(self, name, command, **options):
-        with self._log(name) as log:
-            options = {"stdout": log} | options
-            process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
-                                       stderr=log, start_new_session=True,
-                                       preexec_fn=_end_with_parent, **options)
-        self._started.append((name, process))
-        return process
-
-    def _start_display(self):
-        self.environment = self._environment()
-        size = "2800x1900x24" if self.scale != 1 else "1400x950x24"
-        reader, writer = os.pipe()
-        with os.fdopen(reader) as number:
-            self._start("xvfb", ["Xvfb", "-displayfd", str(writer), "-screen", "0", size, "-dpi",
-                                 "96", "-nolisten", "tcp", "-noreset"], pass_fds=[writer])
-            os.close(writer)
-            # The end of the stream comes too when the server could not start.
-            display = number.readline().strip()
-        if not display:
-            raise DriverError(f"Xvfb did not start: {self._read_log('xvfb')}")
-        self.environment["DISPLAY"] = f":{display}"
+    def _connect(self):
+        # Here, because a station of another kind has no accessibility bus, nor what it needs.
+        from .tree import Bus
+        self._start_session_bus()
+        self.bus = Bus(self.environment["DBUS_SESSION_BUS_ADDRESS"])
 
     def _start_session_bus(self):
         daemon = self._start("dbus", ["dbus-daemon", "--session", "--nofork",
@@ -176,67 +101,6 @@ class Station:
         if not address:
             raise DriverError(f"dbus-daemon did not start: {self._read_log('dbus')}")
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
-
-    def _start_window_manager(self):
-        self._start("openbox", ["openbox", "--sm-disable"])
-        wait_until(lambda: "window id" in self.output(
-            "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
-        # It gives its name before it looks after windows, and one that comes in between may
-        # never be shown. It is ready when it has taken a window and let it go again.
-        wait_until(self._manages_a_window, "the window manager to take a window")
-        wait_until(lambda: not self._managed_windows(), "the window manager to let a window go")
-
-    def _managed_windows(self):
-        return re.findall(r"0x[0-9a-f]+", self.output("xprop", "-root", "_NET_CLIENT_LIST"))
-
-    def _manages_a_window(self):
-        probe = subprocess.Popen(["xev", "-event", "property"], env=self.environment,
-                                 stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                 stderr=subprocess.DEVNULL, preexec_fn=_end_with_parent)
-        try:
-            wait_until(self._managed_windows, "a window to be taken", timeout=1)
-            return True
-        except DriverError:
-            return False
-        finally:
-            probe.kill()
-            probe.wait()
-
-    def _read_log(self, name):
-        return (self.log_folder / f"{name}.log").read_text(errors="replace").strip()
-
-    def output(self, *command):
-        """What a tool of the stack prints; empty when it fails."""
-        done = subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL,
-                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
-                              check=False)
-        return done.stdout if done.returncode == 0 else ""
-
-    def run(self, *command):
-        """Runs a tool of the stack; DriverError with its words when it fails."""
-        done = subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL,
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                              check=False)
-        if done.returncode != 0:
-            raise DriverError(f"{' '.join(command)} failed: {done.stdout.strip()}")
-        return done.stdout
-
-    def _end_processes(self):
-        for _name, process in reversed(self._started):
-            for number in (signal.SIGTERM, signal.SIGKILL):
-                if process.poll() is not None:
-                    break
-                try:
-                    os.killpg(process.pid, number)
-                    process.wait(timeout=10)
-                except (ProcessLookupError, subprocess.TimeoutExpired):
-                    continue
-            # What a process of the stack started itself (the accessibility bus) shares its group.
-            try:
-                os.killpg(process.pid, signal.SIGKILL)
-            except ProcessLookupError:
-                pass
-        self._started.clear()
 
     # -- the program
 
@@ -248,17 +112,3 @@ class Station:
             return self._start("program", [self.program])
         finally:
             self.environment = saved
-
-    def start_tool(self, name, command):
-        """Starts a stand-in of the desktop; it ends with the station."""
-        return self._start(name, command)
-
-    def program_log(self):
-        return self._read_log("program")
-
-    def wait_for_end(self, process, timeout=60):
-        """The program's exit code."""
-        try:
-            return process.wait(timeout=timeout)
-        except subprocess.TimeoutExpired:
-            raise DriverError(f"the program did not end within {timeout} seconds") from None

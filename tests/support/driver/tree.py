@@ -2,12 +2,12 @@
 # SPDX-License-Identifier: Apache-2.0
 """The widget tree as the accessibility bus tells it, read afresh at every question."""
 
-import re
-
 import gi
 
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio, GLib  # noqa: E402
+
+from .widget import Gone, Widget, plain_name  # noqa: E402
 
 _ACCESSIBLE = "org.a11y.atspi.Accessible"
 _ROOT = "/org/a11y/atspi/accessible/root"
@@ -16,14 +16,6 @@ _CALL_TIMEOUT = 20_000
 # Bits of the state set that the driver asks about.
 _STATES = {"checked": 4, "editable": 7, "enabled": 8, "focused": 12, "modal": 16,
            "selected": 23, "sensitive": 24, "showing": 25, "visible": 30}
-
-
-class DriverError(Exception):
-    """The program did not do what the driver was told to expect."""
-
-
-class Gone(Exception):
-    """The object asked is no longer there."""
 
 
 class Bus:
@@ -97,8 +89,8 @@ class Bus:
         return None
 
 
-class Node:
-    """One object on the bus. Every property asks the program anew."""
+class Node(Widget):
+    """One object on the bus."""
 
     def __init__(self, bus, service, path):
         self._bus, self.service, self.path = bus, service, path
@@ -123,8 +115,7 @@ class Node:
 
     @property
     def name(self):
-        # A mnemonic's mark is no part of a name.
-        return re.sub(r"&(\S)", r"\1", self._property("Accessible", "Name")).strip()
+        return plain_name(self._property("Accessible", "Name"))
 
     @property
     def role(self):
@@ -170,39 +161,3 @@ class Node:
     @property
     def table_size(self):
         return self._property("Table", "NRows"), self._property("Table", "NColumns")
-
-    def walk(self, depth=30):
-        """This node and all below it, outermost first; cells of tables are left out."""
-        yield self
-        if depth == 0:
-            return
-        try:
-            if self.role in ("table", "tree", "tree table"):
-                return
-            children = self.children
-        except Gone:
-            return
-        for child in children:
-            yield from child.walk(depth - 1)
-
-    def describe(self):
-        try:
-            states = self.states
-            marks = " ".join(sorted(states & {"showing", "enabled", "focused", "checked",
-                                              "modal"}))
-            return f"{self.role} \"{self.name}\" [{marks}] {self.extents}"
-        except Gone:
-            try:
-                return f"{self.role} \"{self.name}\""
-            except Gone:
-                return "(gone)"
-
-    def dump(self, depth=0):
-        lines = ["  " * depth + self.describe()]
-        try:
-            if self.role not in ("table", "tree", "tree table"):
-                for child in self.children:
-                    lines.append(child.dump(depth + 1))
-        except Gone:
-            pass
-        return "\n".join(lines)
