@@ -1,0 +1,90 @@
+# SPDX-FileCopyrightText: The Folidex authors
+# SPDX-License-Identifier: Apache-2.0
+"""A Windows machine as wine makes one: its drive, its registry, its installed programs."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+
+from .widget import DriverError
+
+_WINE = pathlib.Path("/usr/lib/wine")
+# What wine would ask the user to download, and what would write menus into the desktop.
+_WITHOUT = "mscoree,mshtml,winemenubuilder.exe="
+# Files that wine rewrites; all others of the system are never changed and may be shared.
+_REGISTRY = "*.reg"
+
+
+def environment(prefix, home):
+    """What a process needs to run on the machine in a folder."""
+    keep = {key: os.environ[key] for key in ("PATH", "USER", "LOGNAME") if key in os.environ}
+    return keep | {"WINEPREFIX": str(prefix), "WINEDLLOVERRIDES": _WITHOUT, "HOME": str(home),
+                   "WINEDEBUG": "fixme-all", "LANG": "C.UTF-8", "LC_ALL": "C.UTF-8"}
+
+
+class Machine:
+    """The machine in a folder of its own (wine's prefix)."""
+
+    def __init__(self, prefix, home):
+        self.prefix = pathlib.Path(prefix).resolve()
+        self.environment = environment(self.prefix, home)
+
+    @property
+    def drive(self):
+        return self.prefix / "drive_c"
+
+    def make(self):
+        """A machine as it comes from the shop."""
+        self.run("wineboot", "--init")
+        self.end()
+
+    def copy_to(self, prefix):
+        """Gives another folder the same machine; what is never changed they share."""
+        shutil.copytree(self.prefix, prefix, symlinks=True, copy_function=os.link)
+        for original in self.prefix.glob(_REGISTRY):
+            copy = pathlib.Path(prefix) / original.name
+            copy.unlink()
+            shutil.copy2(original, copy)
+
+    def command(self, program, *arguments):
+        return [str(_WINE / "wine64"), program, *arguments]
+
+    def run(self, program, *arguments, accept=(0,)):
+        """Runs a program to its end; its output. DriverError when it ends with another code."""
+        done = subprocess.run(self.command(program, *arguments), env=self.environment,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT, text=True, errors="replace", check=False)
+        if done.returncode not in accept:
+            raise DriverError(f"{program} {' '.join(arguments)} ended with code "
+                              f"{done.returncode}: {done.stdout.strip()}")
+        return done.stdout
+
+    def set_registry(self, folder, values, file):
+        """Sets named texts and numbers of a registry folder; file is where the script is put."""
+        lines = [f'"{name}"=dword:{value:08x}' if isinstance(value, int)
+                 else '{}="{}"'.format(f'"{name}"' if name else "@",
+                                       value.replace("\\", "\\\\").replace('"', '\\"'))
+                 for name, value in values.items()]
+        file.write_text("\r\n".join(["Windows Registry Editor Version 5.00", "", f"[{folder}]",
+                                     *lines, ""]), encoding="utf-16")
+        self.run("regedit", "/S", self.as_told(file))
+
+    def install(self, setup):
+        """Runs an installer without asking anything."""
+        self.run(str(setup), "/S")
+        self.end()
+
+    def end(self):
+        """Ends whatever runs on the machine, and lets it write its registry."""
+        for option in ("-k", "-w"):
+            subprocess.run([str(_WINE / "wineserver"), option], env=self.environment,
+                           stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                           stderr=subprocess.DEVNULL, check=False, timeout=60)
+
+    def as_told(self, path):
+        """A path of the disk as programs on the machine write it."""
+        path = pathlib.Path(path)
+        if path.is_relative_to(self.drive):
+            return "C:\\" + str(path.relative_to(self.drive)).replace("/", "\\")
+        return "Z:" + str(path).replace("/", "\\")
