@@ -4,12 +4,12 @@
 #include "platform/safe_file.h"
 
 #include "common/error.h"
+#include "platform/system_files.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <cerrno>
 #include <memory>
 
 namespace folidex {
@@ -20,44 +20,37 @@ namespace {
 
 constexpr qint64 kCopyBlock = 1 << 20;
 
-int number_of(int system_error) {
-    switch (system_error) {
-    case ENOSPC:
-#ifdef EDQUOT // not every system has quotas
-    case EDQUOT:
-#endif
-        return kDiskFull;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        return kPermissionDenied;
-    case ENOENT:
-    case ENOTDIR:
-        return kPathNotFound;
-    default:
-        return kInternalError;
-    }
+QString sentence(const QString& what, const QString& path, const QString& why) {
+    return what + u' ' + QDir::toNativeSeparators(path) + u": "_s + why;
 }
 
-// What the failing device says is the system's own words; errno tells them apart. It was set
-// by the call just before, and nothing in between touches it.
+// What the failing device says is the system's own words; the system tells apart what happened.
+// It was asked to forget the call before, and nothing in between touches it.
 [[noreturn]] void fail(const QString& what, const QString& path, const QString& words) {
-    throw Error{number_of(errno), what + u' ' + QDir::toNativeSeparators(path) + u": "_s + words};
+    const SystemFailure failure = system_failure();
+    throw Error{failure.number,
+                sentence(what, path, failure.words.isEmpty() ? words : failure.words)};
 }
 
 void check_folder(const QString& path) {
     const QString folder = QFileInfo(path).path();
     if (!QFileInfo(folder).isDir())
-        throw Error{kPathNotFound, QStringLiteral("Cannot write ") +
-                                       QDir::toNativeSeparators(path) +
-                                       QStringLiteral(": the folder cannot be found")};
+        throw Error{kPathNotFound, sentence(QStringLiteral("Cannot write"), path,
+                                            QStringLiteral("the folder cannot be found"))};
+}
+
+void check_old_file(const QString& path) {
+    const QFileInfo old(path);
+    if (old.isFile() && !old.isWritable())
+        throw Error{kPermissionDenied, sentence(QStringLiteral("Cannot write"), path,
+                                                QStringLiteral("the file is write-protected"))};
 }
 
 } // namespace
 
 void write_file(const QString& path, const QByteArray& content) {
     write_file(path, [&](QIODevice& out) {
-        errno = 0;
+        forget_system_failure();
         if (out.write(content) != content.size())
             fail(QStringLiteral("Cannot write"), path, out.errorString());
     });
@@ -65,33 +58,33 @@ void write_file(const QString& path, const QByteArray& content) {
 
 void write_file(const QString& path, const std::function<void(QIODevice&)>& writer) {
     check_folder(path);
+    check_old_file(path);
     const QString failed = QStringLiteral("Cannot write");
     // Written beside the final name, flushed to the disk on commit, then renamed onto it; the
     // file beside is gone again when anything fails.
     QSaveFile file(path);
     file.setDirectWriteFallback(false);
-    errno = 0;
+    forget_system_failure();
     if (!file.open(QIODevice::WriteOnly))
         fail(failed, path, file.errorString());
     writer(file);
-    errno = 0;
-    if (!file.commit())
+    forget_system_failure();
+    if (!file.flush() || !wait_until_replaceable(path) || !file.commit())
         fail(failed, path, file.errorString());
 }
 
 void copy_file(const QString& source, const QString& target) {
+    if (!QFileInfo::exists(source))
+        throw Error{kFileNotFound,
+                    QStringLiteral("File not found: ") + QDir::toNativeSeparators(source)};
     QFile in(source);
-    errno = 0;
-    if (!in.open(QIODevice::ReadOnly)) {
-        if (!QFileInfo::exists(source))
-            throw Error{kFileNotFound,
-                        QStringLiteral("File not found: ") + QDir::toNativeSeparators(source)};
+    forget_system_failure();
+    if (!in.open(QIODevice::ReadOnly))
         fail(QStringLiteral("Cannot read"), source, in.errorString());
-    }
     write_file(target, [&](QIODevice& out) {
         const auto block = std::make_unique<char[]>(kCopyBlock);
         for (;;) {
-            errno = 0;
+            forget_system_failure();
             const qint64 got = in.read(block.get(), kCopyBlock);
             if (got < 0)
                 fail(QStringLiteral("Cannot read"), source, in.errorString());
@@ -109,8 +102,8 @@ void delete_file(const QString& path) {
         throw Error{kFileNotFound,
                     QStringLiteral("File not found: ") + QDir::toNativeSeparators(path)};
     QFile file(path);
-    errno = 0;
-    if (!file.remove())
+    forget_system_failure();
+    if (!wait_until_replaceable(path) || !file.remove())
         fail(QStringLiteral("Cannot delete"), path, file.errorString());
 }
 
@@ -125,14 +118,14 @@ bool folder_exists(const QString& path) {
 }
 
 void create_folder_at(const QString& path) {
-    errno = 0;
+    forget_system_failure();
     if (QDir().mkdir(path))
         return;
-    if (errno == EEXIST)
-        throw Error{kFileExists, QStringLiteral("Cannot create the folder ") +
-                                     QDir::toNativeSeparators(path) +
-                                     QStringLiteral(": a file or folder of that name exists")};
-    fail(QStringLiteral("Cannot create the folder"), path, qt_error_string(errno));
+    const SystemFailure failure = system_failure();
+    const QString why = failure.number == kFileExists
+                            ? QStringLiteral("a file or folder of that name exists")
+                            : qt_error_string();
+    throw Error{failure.number, sentence(QStringLiteral("Cannot create the folder"), path, why)};
 }
 
 } // namespace folidex

@@ -19,8 +19,8 @@ inline constexpr int kCommonAppData = 35;
 QString shell_folder(int folder_id);
 /// The folder that holds the running program; dbm.mdb lies there.
 QString program_folder();
-/// Opens a file or a web address with its associated program, without waiting. Throws Error
-/// when the desktop refuses.
+/// Opens a file or a web address with its associated program, without waiting. A desktop
+/// that refuses either tells the user itself or makes this throw Error.
 void open_with_desktop(const QString& target);
 /// Shows a file, selected, in the file manager, without waiting; its folder when that is all
 /// that the desktop can do.

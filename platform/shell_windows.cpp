@@ -12,10 +12,8 @@
 #include <objbase.h>
 #include <shellapi.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
-#include <QFileInfo>
-#include <QUrl>
 #include <QWidget>
 
 namespace folidex {
@@ -27,11 +25,35 @@ namespace {
 // The title that the picker has always had at these workstations.
 constexpr const wchar_t* kPickerTitle = L"C:\\";
 constexpr int kPathBuffer = 260;
-// ShellExecute answers above this number when it worked.
-constexpr INT_PTR kShellWorked = 32;
-
 const wchar_t* wide(const QString& text) {
     return reinterpret_cast<const wchar_t*>(text.utf16());
+}
+
+HWND window_handle(const QWidget* widget) {
+    return widget ? reinterpret_cast<HWND>(widget->window()->winId()) : nullptr;
+}
+
+// What the shell loads into the program to do its work expects this kind of thread. Counted: a
+// toolkit that prepared the thread before is not disturbed.
+class ShellThread {
+public:
+    ShellThread()
+        : ready_(SUCCEEDED(
+              CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE))) {}
+    ~ShellThread() {
+        if (ready_)
+            CoUninitialize();
+    }
+    ShellThread(const ShellThread&) = delete;
+    ShellThread& operator=(const ShellThread&) = delete;
+
+private:
+    bool ready_;
+};
+
+bool is_address(const QString& target) {
+    return target.startsWith(u"http://") || target.startsWith(u"https://") ||
+           target.startsWith(u"file://");
 }
 
 } // namespace
@@ -48,16 +70,22 @@ QString program_folder() {
 }
 
 void open_with_desktop(const QString& target) {
-    const HINSTANCE result =
-        ShellExecuteW(nullptr, L"open", wide(target), nullptr, nullptr, SW_SHOWNORMAL);
-    const auto code = reinterpret_cast<INT_PTR>(result);
-    // A missing file is the shell's to report, in its own words and box.
-    if (code <= kShellWorked && code != SE_ERR_FNF && code != SE_ERR_PNF && code != SE_ERR_NOASSOC)
-        throw Error{static_cast<int>(code), u"Windows could not open "_s + target};
+    const ShellThread thread;
+    const QString native = is_address(target) ? target : QDir::toNativeSeparators(target);
+    SHELLEXECUTEINFOW order = {};
+    order.cbSize = sizeof order;
+    order.hwnd = window_handle(QApplication::activeWindow());
+    order.lpVerb = L"open";
+    order.lpFile = wide(native);
+    order.nShow = SW_SHOWNORMAL;
+    // The shell tells the user itself, in its own words and box, of a missing file or program,
+    // and offers to choose one. Only a machine without memory for that is left to report.
+    if (!ShellExecuteExW(&order) && GetLastError() == ERROR_NOT_ENOUGH_MEMORY)
+        throw Error{kOutOfMemory, u"Windows could not open "_s + native};
 }
 
 void show_in_file_manager(const QString& path) {
-    QString command = u"explorer /select,"_s + path;
+    const QString command = u"explorer /select,"_s + QDir::toNativeSeparators(path);
     STARTUPINFOW start = {};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESHOWWINDOW;
@@ -67,14 +95,16 @@ void show_in_file_manager(const QString& path) {
     std::wstring line = command.toStdWString();
     if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
                         &process))
-        throw Error{kFileNotFound, u"The file manager could not be started for "_s + path};
+        throw Error{kFileNotFound, u"The file manager could not be started for "_s +
+                                       QDir::toNativeSeparators(path)};
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
 }
 
 std::optional<QString> pick_folder(QWidget* owner, const QString& /*title*/) {
+    const ShellThread thread;
     BROWSEINFOW info = {};
-    info.hwndOwner = owner ? reinterpret_cast<HWND>(owner->winId()) : nullptr;
+    info.hwndOwner = window_handle(owner);
     info.lpszTitle = kPickerTitle;
     info.ulFlags = BIF_RETURNONLYFSDIRS;
     PIDLIST_ABSOLUTE items = SHBrowseForFolderW(&info);

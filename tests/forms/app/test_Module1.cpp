@@ -8,9 +8,9 @@
 #include "common/message_box.h"
 #include "data/database.h"
 #include "platform/safe_file.h"
-#include "tests/support/ordinary_user.h"
 #include "tests/support/planned_boxes.h"
 #include "tests/support/test_station.h"
+#include "tests/support/test_system.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -27,6 +27,7 @@ class TestModule1 : public QObject {
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> root_;
+    std::unique_ptr<AllUsersFolder> all_users_;
     int ended_ = 0;
 
     QString at(const QString& name) const {
@@ -72,7 +73,7 @@ class TestModule1 : public QObject {
 private Q_SLOTS:
     void init() {
         root_ = std::make_unique<QTemporaryDir>();
-        qputenv("XDG_DATA_HOME", QFile::encodeName(at(u"all"_s)));
+        all_users_ = std::make_unique<AllUsersFolder>(at(u"all"_s));
         Preferences() = PreferencesDocument{};
         DataFolder.clear();
         DbOpenError.clear();
@@ -84,6 +85,7 @@ private Q_SLOTS:
         QApplication::closeAllWindows();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         set_database(nullptr);
+        all_users_.reset();
     }
 
     void a_first_start_makes_folder_and_preferences_and_asks_for_the_data_folder() {
@@ -221,13 +223,10 @@ private Q_SLOTS:
 
     void preferences_without_read_permission_are_kept_and_told() {
         prefer("<folidex><dblocation>/data</dblocation></folidex>");
-        QFile::setPermissions(preferences_file(), QFile::Permissions());
-        QFile::setPermissions(at(u"all/Brightmoor"_s),
-                              QFile::Permissions(0x7777)); // open to everybody
         PlannedBoxes boxes;
         boxes.expect_containing(preferences_file(), kCriticalIcon, u"Folidex"_s);
         {
-            const OrdinaryUser user(QFile::encodeName(root_->path()).constData());
+            const LimitedRights unreadable(preferences_file(), Rights::kNone);
             start();
         }
         QVERIFY(boxes.verify());

@@ -10,6 +10,7 @@
 #include "platform/safe_file.h"
 #include "tests/support/planned_boxes.h"
 #include "tests/support/test_station.h"
+#include "tests/support/test_system.h"
 
 #include <QElapsedTimer>
 #include <QLineEdit>
@@ -35,6 +36,7 @@ class TestApplication : public QObject {
     static constexpr int kPatience = 20'000;
 
     std::unique_ptr<QTemporaryDir> root_;
+    std::unique_ptr<AllUsersFolder> all_users_;
 
     QString at(const QString& name) const {
         return QDir::toNativeSeparators(root_->filePath(name));
@@ -94,7 +96,7 @@ class TestApplication : public QObject {
 private Q_SLOTS:
     void init() {
         root_ = std::make_unique<QTemporaryDir>();
-        qputenv("XDG_DATA_HOME", QFile::encodeName(at(u"all"_s)));
+        all_users_ = std::make_unique<AllUsersFolder>(at(u"all"_s));
         Preferences() = PreferencesDocument{};
         DbOpenError.clear();
         set_database(nullptr);
@@ -103,6 +105,7 @@ private Q_SLOTS:
         QApplication::closeAllWindows();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         set_database(nullptr);
+        all_users_.reset();
     }
 
     void leaving_the_location_form_ends_the_program_and_records_nothing_data() {

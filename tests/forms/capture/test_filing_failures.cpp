@@ -4,7 +4,7 @@
 #include "app/process_values.h"
 #include "data/database.h"
 #include "tests/forms/capture/capture_desk.h"
-#include "tests/support/small_disk.h"
+#include "tests/support/test_system.h"
 
 #include <QDir>
 
@@ -86,7 +86,8 @@ private Q_SLOTS:
         desk_->set_date({2031, 1, 1});
         fails_in_save_me(kFileExists, "cmdSave", u"cmdSave_Click"_s);
         const QList<ShownBox> shown = desk_->boxes.shown();
-        QVERIFY(shown.at(shown.size() - 2).prompt.contains(in_the_way.fileName()));
+        QVERIFY(shown.at(shown.size() - 2)
+                    .prompt.contains(QDir::toNativeSeparators(in_the_way.fileName())));
         QCOMPARE(desk_->scans(), QStringList());
         QCOMPARE(content_of(desk_->temporary_scan()), u"scan 1: pages 1"_s);
     }
@@ -98,12 +99,17 @@ private Q_SLOTS:
         QVERIFY(pages.open(QIODevice::WriteOnly));
         QCOMPARE(pages.write(QByteArray(4 << 20, 'p')), 4 << 20);
         pages.close();
+        const QString own_folder = DataFolder;
         {
-            const SmallDisk disk(1 << 20);
-            fails_in_save_me(kInternalError, "cmdSave", u"cmdSave_Click"_s);
+            const SmallDisk disk;
+            DataFolder = QDir::toNativeSeparators(disk.folder());
+            QVERIFY(QDir().mkpath(document_path(u"1009"_s, {})));
+            fails_in_save_me(disk.error_number(), "cmdSave", u"cmdSave_Click"_s);
+            const QString report = desk_->boxes.shown().at(desk_->boxes.shown().size() - 2).prompt;
+            QVERIFY2(report.contains(document_path(u"1009"_s, u"101209"_s)), qPrintable(report));
+            QCOMPARE(QDir(document_path(u"1009"_s, {})).entryList(QDir::Files), QStringList());
         }
-        const QList<ShownBox> shown = desk_->boxes.shown();
-        QVERIFY(shown.at(shown.size() - 2).prompt.contains(document_path(u"1009"_s, u"101209"_s)));
+        DataFolder = own_folder;
         QCOMPARE(desk_->files(u"1009"_s), QStringList());
         QCOMPARE(QFileInfo(desk_->temporary_scan()).size(), 4 << 20);
         desk_->click("cmdSave");

@@ -3,8 +3,8 @@
 
 #include "app/process_values.h"
 #include "data/database.h"
-#include "tests/support/ordinary_user.h"
 #include "tests/support/test_station.h"
+#include "tests/support/test_system.h"
 #include "tests/unit/data/thrown.h"
 
 #include <QCryptographicHash>
@@ -241,9 +241,7 @@ void TestDatabase::a_read_only_file_is_read_and_its_first_write_is_reported() {
     station_->add_tag(u"one"_s);
     set_database(nullptr);
     const QByteArray before = hash_of(file);
-    QVERIFY(QFile::setPermissions(file, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
-    QVERIFY(QFile::setPermissions(station_->root(), QFile::Permissions(0x7777)));
-    const OrdinaryUser user(station_->data_folder().toUtf8().constData());
+    const LimitedRights read_only(file, Rights::kRead);
     const auto opened = Database::open(file);
     QCOMPARE(opened->open_recordset(u"Select * from tags"_s).text_at(1), u"one"_s);
     const auto error = thrown([&] { opened->execute(u"DELETE * FROM tags"_s); });
@@ -260,27 +258,20 @@ void TestDatabase::a_read_only_folder_is_reported_at_the_first_write() {
     const QString file = station_->database_path();
     set_database(nullptr);
     QVERIFY(QFile::setPermissions(file, QFile::Permissions(0x6666)));
-    QVERIFY(QFile::setPermissions(station_->root(), QFile::Permissions(0x7777)));
-    QVERIFY(QFile::setPermissions(folder, QFile::Permissions(0x5555)));
-    {
-        const OrdinaryUser user(station_->app_data().toUtf8().constData());
-        const auto opened = Database::open(file);
-        QCOMPARE(opened->open_recordset(u"Select * from comp"_s).text_at(0), u"1"_s);
-        const auto error = thrown([&] { opened->execute(u"UPDATE comp SET NewLink = 2"_s); });
-        QVERIFY(error);
-        QCOMPARE(error->number, SQLITE_READONLY_DIRECTORY);
-        QVERIFY(error->description.endsWith(file));
-        QCOMPARE(opened->open_recordset(u"Select * from comp"_s).text_at(0), u"1"_s);
-    }
-    QVERIFY(QFile::setPermissions(folder, QFile::Permissions(0x7777)));
+    const LimitedRights read_only(folder, Rights::kRead);
+    const auto opened = Database::open(file);
+    QCOMPARE(opened->open_recordset(u"Select * from comp"_s).text_at(0), u"1"_s);
+    const auto error = thrown([&] { opened->execute(u"UPDATE comp SET NewLink = 2"_s); });
+    QVERIFY(error);
+    QCOMPARE(error->number, SQLITE_READONLY_DIRECTORY);
+    QVERIFY(error->description.endsWith(file));
+    QCOMPARE(opened->open_recordset(u"Select * from comp"_s).text_at(0), u"1"_s);
 }
 
 void TestDatabase::a_file_that_may_not_be_read_is_reported() {
     const QString file = station_->database_path();
     set_database(nullptr);
-    QVERIFY(QFile::setPermissions(file, QFile::Permissions(0)));
-    QVERIFY(QFile::setPermissions(station_->root(), QFile::Permissions(0x7777)));
-    const OrdinaryUser user(station_->data_folder().toUtf8().constData());
+    const LimitedRights unreadable(file, Rights::kNone);
     const auto error = thrown([&] { Database::open(file); });
     QVERIFY(error);
     QCOMPARE(error->number & 0xFF, SQLITE_CANTOPEN);
