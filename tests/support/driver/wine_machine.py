@@ -37,6 +37,8 @@ class Machine:
     def make(self):
         """A machine as it comes from the shop."""
         self.run("wineboot", "--init")
+        # Left to itself wine claims to be an older Windows than the program is for.
+        self.run("winecfg", "/v", "win10")
         self.end()
 
     def copy_to(self, prefix):
