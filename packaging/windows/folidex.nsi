@@ -2,7 +2,7 @@
 ; SPDX-License-Identifier: Apache-2.0
 ;
 ; The installer for all users of a workstation; ./build-windows makes it with
-;   makensis -DVERSION=N.N.N -DSTAGE=FOLDER -DICON=FILE -DOUTPUT=FILE folidex.nsi
+;   makensis -DVERSION=N.N.N -DSTAGE=FOLDER -DICON=FILE -DSIDE=BITMAP -DOUTPUT=FILE folidex.nsi
 ; Switches: /S silent, /D=FOLDER where to (the last switch, without quotes). Exit codes: 0 done,
 ; 1 cancelled, 2 failed, 3 the program is running, 4 Windows is too old.
 
@@ -52,7 +52,13 @@ VIAddVersionKey LegalCopyright "Copyright ${PUBLISHER}; Apache License 2.0"
 
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
+!define MUI_WELCOMEFINISHPAGE_BITMAP "${SIDE}"
+!define MUI_UNWELCOMEFINISHPAGE_BITMAP "${SIDE}"
 !define MUI_ABORTWARNING
+!define MUI_WELCOMEPAGE_TITLE "Folidex ${VERSION}"
+!define MUI_WELCOMEPAGE_TEXT "Folidex will be installed for every user of this workstation.$\r$\n\
+    $\r$\nAn older version is replaced. Preferences, documents and the database are left as they \
+    are.$\r$\n$\r$\nClose Folidex before you go on."
 !define MUI_FINISHPAGE_RUN
 !define MUI_FINISHPAGE_RUN_TEXT "Run Folidex"
 !define MUI_FINISHPAGE_RUN_FUNCTION run_program
@@ -66,6 +72,12 @@ VIAddVersionKey LegalCopyright "Copyright ${PUBLISHER}; Apache License 2.0"
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE English
 
+!macro FAIL TEXT
+  MessageBox MB_OK|MB_ICONSTOP "${TEXT}" /SD IDOK
+  SetErrorLevel ${EXIT_FAILED}
+  Quit
+!macroend
+
 ; Where the installed Folidex is, if there is one.
 Var installed
 
@@ -77,6 +89,7 @@ Function .onInit
     SetErrorLevel ${EXIT_TOO_OLD}
     Quit
   ${EndIf}
+  Call refuse_other_folder
   ReadRegStr $installed HKLM "${UNINSTALL_KEY}" "InstallLocation"
   ; It is replaced where it is, unless /D= says otherwise.
   ${If} $installed != ""
@@ -85,6 +98,21 @@ Function .onInit
   ${EndIf}
   ${If} ${Silent}
     Call refuse_while_running
+  ${EndIf}
+FunctionEnd
+
+; A folder after /D= that cannot be is passed over by the installer's own machinery, which would
+; then install to the usual one.
+Function refuse_other_folder
+  System::Call "kernel32::GetCommandLineW() w .R0"
+  ClearErrors
+  ${GetOptions} $R0 "/D=" $R1
+  ${If} ${Errors}
+    Return
+  ${EndIf}
+  ${If} $R1 != $INSTDIR
+  ${AndIf} $R1 != "$INSTDIR\"
+    !insertmacro FAIL "Folidex cannot be installed in $R1."
   ${EndIf}
 FunctionEnd
 
@@ -105,12 +133,6 @@ Function run_program
   ; Through the desktop, so that the program does not run with the installer's rights.
   Exec '"$WINDIR\explorer.exe" "$INSTDIR\folidex.exe"'
 FunctionEnd
-
-!macro FAIL TEXT
-  MessageBox MB_OK|MB_ICONSTOP "${TEXT}" /SD IDOK
-  SetErrorLevel ${EXIT_FAILED}
-  Abort "${TEXT}"
-!macroend
 
 ; Files of an older version that the new one lacks must not stay: Qt would load an old plug-in.
 Function remove_older_version

@@ -1,0 +1,279 @@
+#!/usr/bin/python3
+# SPDX-FileCopyrightText: The Folidex authors
+# SPDX-License-Identifier: Apache-2.0
+"""The installer and the portable archive, each test on a workstation of its own under wine.
+
+    FOLIDEX_SETUP   the installer (the newest in build/windows/); the archive and the folder
+                    folidex/ that it was made from lie beside it
+"""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+import zipfile
+
+TREE = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(TREE / "tests/support"))
+sys.dont_write_bytecode = True
+
+from driver.stack import Stack, wait_until  # noqa: E402
+from driver.wine_machine import Machine  # noqa: E402
+
+KEY = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Folidex"
+DEFAULT = "Program Files/Folidex"
+SHORTCUT = "ProgramData/Microsoft/Windows/Start Menu/Programs/Folidex.lnk"
+PREFERENCES = "ProgramData/Brightmoor/folidex_Preferences.xml"
+FIRST_WINDOW = "Tell folidex where your data folder is."
+LIST = "installed-files.txt"
+RUNNING, FAILED, TOO_OLD = 3, 2, 4
+
+
+def newest_setup():
+    if "FOLIDEX_SETUP" in os.environ:
+        return pathlib.Path(os.environ["FOLIDEX_SETUP"]).resolve()
+    found = sorted((TREE / "build/windows").glob("Folidex-*-setup.exe"),
+                   key=lambda path: path.stat().st_mtime)
+    if not found:
+        sys.exit("there is no installer in build/windows; ./build-windows makes it")
+    return found[-1]
+
+
+SETUP = newest_setup()
+STAGE = SETUP.parent / "folidex"
+VERSION = SETUP.name.split("-")[1]
+
+
+def contents(folder):
+    return {str(path.relative_to(folder)): path.read_bytes()
+            for path in folder.rglob("*") if path.is_file()}
+
+
+class Workstation(Stack):
+    """A bare machine with a display."""
+
+    def __init__(self, origin):
+        super().__init__(None, 1, "folidex-installer-")
+        self._origin = origin
+        self.machine = Machine(self.home / "machine", self.home / "home")
+
+    @property
+    def drive(self):
+        return self.machine.drive
+
+    def _make_folders(self):
+        for name in ("log", "home"):
+            (self.home / name).mkdir()
+        self._origin.copy_to(self.machine.prefix)
+
+    def _environment(self):
+        return dict(self.machine.environment)
+
+    def _connect(self):
+        self.machine.environment = self.environment
+
+    def _end_processes(self):
+        self.machine.end()
+        super()._end_processes()
+
+    def exit_code(self, program, *arguments):
+        return subprocess.run(self.machine.command(str(program), *arguments), check=False,
+                              env=self.environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                              timeout=300).returncode
+
+    def start(self, program):
+        """Starts the program and waits for its first window."""
+        process = self._start("program", self.machine.command(self.machine.as_told(program)))
+        wait_until(self.shows_first_window, "the program's first window")
+        return process
+
+    def shows_first_window(self):
+        return f'"{FIRST_WINDOW}"' in self.output("xwininfo", "-root", "-tree")
+
+
+class Installer(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        folder = pathlib.Path(tempfile.mkdtemp(prefix="folidex-bare-"))
+        cls.addClassCleanup(shutil.rmtree, folder, ignore_errors=True)
+        cls.bare = Machine(folder / "machine", folder / "home")
+        (folder / "home").mkdir()
+        cls.bare.make()
+
+    def setUp(self):
+        self.station = self.enterContext(Workstation(self.bare))
+        self.addCleanup(shutil.rmtree, self.station.home, ignore_errors=True)
+        self.drive = self.station.drive
+        self.folder = self.drive / DEFAULT
+
+    def install(self, folder=None):
+        """The exit code of a silent installation. The folder is told as administrators tell it:
+        last and without quotes, whatever it holds."""
+        return self.station.exit_code(SETUP, "/S", *(f"/D={folder}".split(" ") if folder else ()))
+
+    def registered(self):
+        """The values under which Windows lists the program; none when it does not."""
+        output = self.station.machine.run("reg", "query", KEY, "/reg:64", accept=(0, 1))
+        rows = [line.split(None, 2) for line in output.splitlines() if line.startswith("    ")]
+        return {row[0]: row[2] for row in rows}
+
+    def uninstall(self, folder=None):
+        """As Windows does it; the uninstaller goes on after its first process has ended."""
+        folder = folder or self.folder
+        command = self.registered()["QuietUninstallString"]
+        self.assertEqual(command, f'"{self.station.machine.as_told(folder)}\\uninstall.exe" /S')
+        self.assertEqual(self.station.exit_code(folder / "uninstall.exe", "/S"), 0)
+        wait_until(lambda: not self.registered(), "the end of the uninstallation")
+
+    def test_everything_is_where_all_users_find_it(self):
+        self.assertEqual(self.install(), 0)
+        installed = contents(self.folder)
+        del installed["uninstall.exe"]
+        self.assertEqual(installed, contents(STAGE))
+        self.assertTrue((self.drive / SHORTCUT).is_file())
+        self.assertTrue((self.drive / PREFERENCES).parent.is_dir())
+
+    def test_windows_lists_the_program(self):
+        self.assertEqual(self.install(), 0)
+        listed = self.registered()
+        self.assertEqual(listed["DisplayName"], "Folidex")
+        self.assertEqual(listed["DisplayVersion"], VERSION)
+        self.assertEqual(listed["Publisher"], "The Folidex authors")
+        self.assertEqual(listed["InstallLocation"], r"C:\Program Files\Folidex")
+        self.assertEqual(listed["DisplayIcon"], r"C:\Program Files\Folidex\folidex.exe,0")
+        size = sum(len(data) for data in contents(self.folder).values())
+        self.assertAlmostEqual(int(listed["EstimatedSize"], 16), size / 1024, delta=1000)
+
+    def test_the_program_starts_where_it_was_installed(self):
+        self.assertEqual(self.install(), 0)
+        self.assertFalse((self.drive / PREFERENCES).exists())
+        self.station.start(self.folder / "folidex.exe")
+        self.assertIn("<folidex", (self.drive / PREFERENCES).read_text(encoding="utf-8"))
+
+    def test_another_folder_may_be_named(self):
+        self.assertEqual(self.install(r"C:\Office programs\Documents"), 0)
+        folder = self.drive / "Office programs/Documents"
+        self.assertTrue((folder / "dbm.mdb").is_file())
+        self.assertFalse(self.folder.exists())
+        self.station.start(folder / "folidex.exe")
+
+    def test_an_upgrade_replaces_the_program_and_nothing_else(self):
+        self.assertEqual(self.install(), 0)
+        preferences = b"<?xml version='1.0'?><folidex><dblocation>P:\\Office</dblocation></folidex>"
+        (self.drive / PREFERENCES).write_bytes(preferences)
+        (self.folder / "notes.txt").write_text("kept by a clerk")
+        # As if the older version had been made of other files.
+        (self.folder / "oldplugins/deep").mkdir(parents=True)
+        (self.folder / "oldplugins/deep/qold.dll").write_text("old")
+        (self.folder / "Qt6Core.dll").write_text("old")
+        with (self.folder / LIST).open("a", newline="") as names:
+            names.write("oldplugins\\deep\\qold.dll\r\n")
+        self.station.machine.run("reg", "add", KEY, "/v", "DisplayVersion", "/d", "0.9", "/f",
+                                 "/reg:64")
+        self.assertEqual(self.install(), 0)
+        installed = contents(self.folder)
+        self.assertEqual(installed.pop("notes.txt"), b"kept by a clerk")
+        del installed["uninstall.exe"]
+        self.assertEqual(installed, contents(STAGE))
+        self.assertFalse((self.folder / "oldplugins").exists())
+        self.assertEqual((self.drive / PREFERENCES).read_bytes(), preferences)
+        self.assertEqual(self.registered()["DisplayVersion"], VERSION)
+
+    def test_an_upgrade_finds_the_program_where_it_is(self):
+        self.assertEqual(self.install(r"C:\Archive\Folidex"), 0)
+        (self.drive / "Archive/Folidex/dbm.mdb").unlink()
+        self.assertEqual(self.install(), 0)
+        self.assertTrue((self.drive / "Archive/Folidex/dbm.mdb").is_file())
+        self.assertFalse(self.folder.exists())
+
+    def test_an_upgrade_to_another_folder_leaves_none_behind(self):
+        self.assertEqual(self.install(), 0)
+        self.assertEqual(self.install(r"C:\Archive\Folidex"), 0)
+        self.assertTrue((self.drive / "Archive/Folidex/folidex.exe").is_file())
+        self.assertFalse(self.folder.exists())
+        self.assertEqual(self.registered()["InstallLocation"], r"C:\Archive\Folidex")
+
+    def test_a_running_program_is_not_replaced(self):
+        self.assertEqual(self.install(), 0)
+        before = contents(self.folder)
+        self.station.start(self.folder / "folidex.exe")
+        self.assertEqual(self.install(), RUNNING)
+        self.assertEqual(self.install(r"C:\Archive\Folidex"), RUNNING)
+        self.assertEqual(contents(self.folder), before)
+        self.assertFalse((self.drive / "Archive").exists())
+
+    def test_a_running_program_is_not_removed(self):
+        self.assertEqual(self.install(), 0)
+        before = contents(self.folder)
+        self.station.start(self.folder / "folidex.exe")
+        # Told its folder, the uninstaller stays the process whose code is seen here.
+        told = "_?=" + self.station.machine.as_told(self.folder)
+        code = self.station.exit_code(self.folder / "uninstall.exe", "/S", *told.split(" "))
+        self.assertEqual(code, RUNNING)
+        self.assertEqual(contents(self.folder), before)
+        self.assertTrue((self.drive / SHORTCUT).is_file())
+
+    def test_uninstalling_leaves_data_and_preferences(self):
+        self.assertEqual(self.install(), 0)
+        preferences = b"<?xml version='1.0'?><folidex/>"
+        (self.drive / PREFERENCES).write_bytes(preferences)
+        document = self.drive / "Documents/scanned_files/1009/paper.pdf"
+        document.parent.mkdir(parents=True)
+        document.write_bytes(b"%PDF-")
+        self.uninstall()
+        wait_until(lambda: not self.folder.exists(), "the program's folder to go")
+        self.assertFalse((self.drive / SHORTCUT).exists())
+        self.assertEqual((self.drive / PREFERENCES).read_bytes(), preferences)
+        self.assertEqual(document.read_bytes(), b"%PDF-")
+
+    def test_uninstalling_leaves_what_it_did_not_install(self):
+        self.assertEqual(self.install(), 0)
+        (self.folder / "site/notes.txt").write_text("kept by a clerk")
+        self.uninstall()
+        wait_until(lambda: list(contents(self.folder)) == ["site/notes.txt"],
+                   "everything else to go")
+
+    def test_what_was_uninstalled_can_be_installed_again(self):
+        self.assertEqual(self.install(), 0)
+        self.uninstall()
+        wait_until(lambda: not self.folder.exists(), "the program's folder to go")
+        self.assertEqual(self.install(), 0)
+        self.assertEqual(self.registered()["DisplayVersion"], VERSION)
+
+    def test_an_older_windows_is_refused(self):
+        self.station.machine.run("winecfg", "/v", "win7")
+        self.assertEqual(self.install(), TOO_OLD)
+        self.assert_nothing_is_installed()
+
+    def assert_nothing_is_installed(self):
+        self.assertEqual(self.registered(), {})
+        self.assertFalse(self.folder.exists())
+        self.assertFalse((self.drive / SHORTCUT).exists())
+
+    def test_a_folder_that_cannot_be_made_is_refused(self):
+        (self.drive / "taken").write_text("a file")
+        self.assertEqual(self.install(r"C:\taken\Folidex"), FAILED)
+        self.assert_nothing_is_installed()
+
+    def test_a_file_that_cannot_be_written_fails_the_installation(self):
+        (self.drive / "Archive/dbm.mdb/in the way").mkdir(parents=True)
+        self.assertEqual(self.install(r"C:\Archive"), FAILED)
+        self.assert_nothing_is_installed()
+
+    def test_the_portable_archive_runs_where_it_was_unpacked(self):
+        archive = SETUP.with_name(f"Folidex-{VERSION}-portable.zip")
+        with zipfile.ZipFile(archive) as pack:
+            pack.extractall(self.drive / "Stick")
+        folder = self.drive / f"Stick/Folidex-{VERSION}"
+        expected = contents(STAGE)
+        del expected[LIST]
+        self.assertEqual(contents(folder), expected)
+        self.station.start(folder / "folidex.exe")
+
+
+if __name__ == "__main__":
+    unittest.main()
