@@ -20,12 +20,14 @@ LastFrame last_frame(const Ending& ending) {
     return {{Kind::kDone, {}, sizeof ending}, ending};
 }
 
-/// The handle under a name of its own that no child process inherits.
+/// A handle of our own that no child process inherits. The standard one is left to whoever closes
+/// it: the C runtime does, when its file becomes NUL.
 HANDLE taken(DWORD which) {
+    const HANDLE standard = GetStdHandle(which);
+    SetHandleInformation(standard, HANDLE_FLAG_INHERIT, 0);
     HANDLE own = nullptr;
     const HANDLE process = GetCurrentProcess();
-    if (!DuplicateHandle(process, GetStdHandle(which), process, &own, 0, FALSE,
-                         DUPLICATE_SAME_ACCESS | DUPLICATE_CLOSE_SOURCE))
+    if (!DuplicateHandle(process, standard, process, &own, 0, FALSE, DUPLICATE_SAME_ACCESS))
         return nullptr;
     return own;
 }

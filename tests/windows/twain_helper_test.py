@@ -1,0 +1,579 @@
+#!/usr/bin/python3
+# SPDX-FileCopyrightText: The Folidex authors
+# SPDX-License-Identifier: Apache-2.0
+"""The scanning helpers of both word sizes under wine, with virtual scanners that play a script.
+
+Needs a display and, in FOLIDEX_TWAIN_BUILDS, where they were built; see helper_process.py.
+"""
+
+import os
+import shutil
+import tempfile
+import time
+import unittest
+
+import helper_process as hp
+
+JAM, DOUBLE_FEED, INTERLOCK, NO_MEDIA = 20, 21, 24, 29
+SMALL = "rgb100@60x40"
+
+
+class HelperRoads:
+    """Every road through a helper; each word size makes a class of it."""
+
+    bits = None
+    manager = "TWAINDSM.dll"
+
+    @classmethod
+    def setUpClass(cls):
+        cls.home = tempfile.mkdtemp(prefix="twain-")
+        cls.addClassCleanup(shutil.rmtree, cls.home)
+        cls.program = hp.builds()[cls.bits]
+        cls.station = hp.Station(cls.home, cls.program, cls.manager)
+
+    def scan(self, **keys):
+        """Lets the one virtual scanner play; returns the helper and how it ended."""
+        self.station.script(Virtual=keys)
+        with self.station.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            ending = helper.done()
+            helper.exit_code = helper.ended()
+        return helper, ending
+
+    def assert_outcome(self, ending, outcome, step=hp.NO_STEP, condition=0, pages=0):
+        self.assertEqual((ending.outcome, ending.step, ending.condition, ending.pages),
+                         (outcome, step, condition, pages), ending)
+
+    def assert_page(self, page, kind, width, height, number, resolution=100):
+        wanted = {"bw": hp.BILEVEL, "vanilla": hp.BILEVEL, "gray": hp.GRAY, "gray4": hp.GRAY,
+                  "gray16": hp.GRAY}.get(kind, hp.RGB)
+        self.assertEqual((page.kind, page.width, page.rows), (wanted, width, height))
+        self.assertAlmostEqual(page.x_resolution, resolution, places=2)
+        self.assertAlmostEqual(page.y_resolution, resolution, places=2)
+        self.assertEqual(bytes(page.data), hp.picture(kind, width, height, number))
+
+    def steps(self):
+        """What the source was told after it was opened, without its settings."""
+        return [line.removeprefix("Virtual ") for line in self.station.log()
+                if " set " not in line]
+
+    def assert_released(self, reached="endxfer"):
+        """The whole ladder down, each rung in its state."""
+        steps = self.steps()
+        self.assertEqual(steps[-3:], ["disable", "close", "manager close"], steps)
+        self.assertFalse([line for line in steps if "out of order" in line], steps)
+
+    # Listing
+
+    def test_the_sources_are_listed_in_the_managers_order_with_their_names(self):
+        self.station.write({"manager": {"sources": "B\xfcro-Scanner|Scanner|Scanner|" + "x" * 34}})
+        with self.station.list() as helper:
+            found = []
+            while (frame := helper.frame())[0] == "S":
+                found.append((int.from_bytes(frame[1][:4], "little"), frame[1][4:].decode()))
+            self.assertEqual(frame[0], "D")
+            self.assert_outcome(hp.Ending(frame[1]), hp.GOOD)
+            self.assertEqual(helper.ended(), 0)
+        self.assertEqual(found, [(0, "B\xfcro-Scanner"), (1, "Scanner"), (2, "Scanner"),
+                                 (3, "x" * 34)])
+
+    def test_a_manager_without_sources_lists_nothing(self):
+        self.station.script()
+        with self.station.list() as helper:
+            kind, payload = helper.frame()
+            self.assertEqual(kind, "D")
+            self.assert_outcome(hp.Ending(payload), hp.GOOD)
+
+    def test_a_list_without_end_is_cut_off(self):
+        self.station.script({"endless": 1}, Virtual={})
+        with self.station.list() as helper:
+            count = 0
+            while helper.until("S", "D")[0] == "S":
+                count += 1
+        self.assertEqual(count, 200)
+
+    def test_a_manager_that_cannot_be_opened_is_told_with_its_codes(self):
+        self.station.script({"fail": "open:9"}, Virtual={})
+        with self.station.list() as helper:
+            self.assert_outcome(helper.done(), hp.FAILED, hp.OPEN_MANAGER, 9)
+
+    def test_a_library_that_is_no_manager_is_passed_over(self):
+        with tempfile.TemporaryDirectory(prefix="twain-") as folder:
+            # Wine's own manager comes next, and it has no drivers.
+            station = hp.Station(folder, self.program, "not-a-manager.dll")
+            with station.list() as helper:
+                self.assert_outcome(helper.done(), hp.GOOD)
+
+    def test_a_manager_that_hangs_on_load_gives_no_sign_of_life(self):
+        self.station.script({"hang": "load", "log": 1}, Virtual={})
+        with self.station.list() as helper:
+            self.wait_for_log("hang at load:0")
+            self.assertTrue(helper.frames.empty())
+            self.assertIsNone(helper.process.poll())
+
+    def test_a_manager_that_crashes_on_load_is_told(self):
+        # Windows turns a fault in a library's start into one that cannot be loaded; either way the
+        # program hears of it.
+        self.station.script({"crash": "load"}, Virtual={})
+        with self.station.list() as helper:
+            self.assertIn(helper.done().outcome, (hp.CRASHED, hp.GOOD, hp.NO_MANAGER))
+
+    def test_a_manager_that_crashes_while_listing_is_told(self):
+        self.station.script({"crash": "list"}, Virtual={})
+        with self.station.list() as helper:
+            self.assertEqual(helper.done().outcome, hp.CRASHED)
+
+    # Opening
+
+    def test_the_source_at_the_index_is_opened_though_names_are_double(self):
+        self.station.write({"manager": {"sources": "Virtual|Virtual|Other", "log": 1},
+                            "Virtual": {"pages": SMALL}})
+        with self.station.scan(index=1) as helper:
+            helper.until("O")
+            helper.say("a")
+            self.assert_outcome(helper.done(), hp.GOOD, pages=1)
+
+    def test_a_list_that_has_changed_is_searched_by_name(self):
+        self.station.script(New={"fail": "open:5"}, Virtual={"pages": SMALL})
+        with self.station.scan(index=0) as helper:
+            helper.until("O")
+            helper.say("a")
+            self.assert_outcome(helper.done(), hp.GOOD, pages=1)
+        self.assertIn("Virtual open", self.station.log())
+        self.assertNotIn("New open", self.station.log())
+
+    def test_a_source_that_is_gone_is_not_opened(self):
+        self.station.script(Other={})
+        with self.station.scan() as helper:
+            self.assert_outcome(helper.done(), hp.NOT_OPENED, hp.FIND_SOURCE, 3)
+            self.assertEqual(helper.ended(), 0)
+
+    def test_a_source_that_refuses_to_open_is_told_with_its_condition(self):
+        for condition in (1, 4, 23):
+            with self.subTest(condition=condition):
+                self.station.script(Virtual={"fail": f"open:{condition}"})
+                with self.station.scan() as helper:
+                    self.assert_outcome(helper.done(), hp.NOT_OPENED, hp.OPEN_SOURCE, condition)
+                    helper.ended()
+                self.assertEqual(self.station.log()[-1], "manager close")
+
+    def test_a_source_that_is_not_wanted_after_all_is_closed(self):
+        self.station.script(Virtual={})
+        with self.station.scan() as helper:
+            helper.until("O")
+            helper.say("q")
+            self.assert_outcome(helper.done(), hp.CANCELLED)
+            self.assertEqual(helper.ended(), 0)
+        self.assertEqual(self.steps(), ["manager open", "open", "manager callback", "close",
+                                        "manager close"])
+
+    def test_a_program_that_goes_away_leaves_no_open_source(self):
+        self.station.script(Virtual={})
+        with self.station.scan() as helper:
+            helper.until("O")
+            helper.process.stdin.close()
+            helper.until("D")
+            self.assertEqual(helper.ended(), 0)
+        self.assertEqual(self.steps()[-2:], ["close", "manager close"])
+
+    def test_a_command_line_without_sense_ends_at_once(self):
+        for arguments in ([], ["print"], ["scan", "--index"], ["scan", "--index", "-1"]):
+            with self.subTest(arguments=arguments), \
+                    hp.Helper(self.station.program, *arguments) as helper:
+                self.assertEqual(helper.ended(), 2)
+
+    # Settings
+
+    def test_the_wishes_reach_the_source(self):
+        self.scan(pages=SMALL, duplex=1)
+        settings = [line for line in self.station.log() if " set " in line]
+        self.assertEqual(settings, [f"Virtual set {setting}" for setting in (
+            "0001 to 65535", "1002 to 1", "1007 to 1", "100b to 1", "1013 to 1", "0103 to 2",
+            "0100 to 0")])
+
+    def test_what_was_not_wished_is_left_alone(self):
+        self.station.script(Virtual={"pages": SMALL, "duplex": 1})
+        with self.station.scan(wishes=0) as helper:
+            helper.until("O")
+            helper.say("a")
+            helper.done()
+            helper.ended()
+        settings = [line for line in self.station.log() if " set " in line]
+        self.assertEqual(settings, ["Virtual set 0103 to 2", "Virtual set 0100 to 0"])
+
+    def test_duplex_is_left_alone_where_there_is_none(self):
+        self.scan(pages=SMALL, duplex=0)
+        self.assertNotIn("Virtual set 1013 to 1", self.station.log())
+
+    def test_refused_settings_do_not_keep_a_page_from_coming(self):
+        helper, ending = self.scan(
+            pages=SMALL, lacks="0x1,0x1002,0x1007,0x100b,0x1012,0x1013,0x100,0x101,0x102,0x1118,"
+                               "0x1119,0x111f")
+        self.assert_outcome(ending, hp.GOOD, pages=1)
+        self.assert_page(helper.pages[0], "rgb", 60, 40, 0)
+
+    def test_an_absurd_list_of_values_is_survived(self):
+        _, ending = self.scan(pages=SMALL, nonsense="container")
+        self.assert_outcome(ending, hp.GOOD, pages=1)
+
+    # Pages
+
+    def test_pages_of_each_kind_come_through_memory_as_they_are(self):
+        kinds = ("bw", "vanilla", "gray", "gray4", "gray16", "rgb", "rgb48", "palette", "palette4")
+        helper, ending = self.scan(pages=",".join(f"{kind}100@61x43" for kind in kinds),
+                                   strip=2000)
+        self.assert_outcome(ending, hp.GOOD, pages=len(kinds))
+        for number, kind in enumerate(kinds):
+            with self.subTest(kind=kind):
+                self.assert_page(helper.pages[number], kind, 61, 43, number)
+                self.assertEqual(helper.pages[number].height, 43)
+        self.assertEqual(helper.exit_code, 0)
+        self.assert_released()
+
+    def test_pages_of_each_kind_come_as_whole_bitmaps(self):
+        kinds = ("bw", "vanilla", "gray", "gray4", "rgb", "rgb32", "palette", "palette4")
+        for top_down in (0, 1):
+            helper, ending = self.scan(pages=",".join(f"{kind}100@61x43" for kind in kinds),
+                                       transfers="native", top_down=top_down)
+            self.assert_outcome(ending, hp.GOOD, pages=len(kinds))
+            for number, kind in enumerate(kinds):
+                with self.subTest(kind=kind, top_down=top_down):
+                    self.assert_page(helper.pages[number], kind, 61, 43, number)
+
+    def test_rows_with_padding_that_changes_are_packed(self):
+        helper, ending = self.scan(pages="rgb100@60x40,bw100@60x40", padding=3, rows=7)
+        self.assert_outcome(ending, hp.GOOD, pages=2)
+        self.assert_page(helper.pages[0], "rgb", 60, 40, 0)
+        self.assert_page(helper.pages[1], "bw", 60, 40, 1)
+
+    def test_a_page_whose_size_is_not_known_before_its_end(self):
+        helper, ending = self.scan(pages="gray100@60x400", unknown_height=1, unknown_width=1)
+        self.assert_outcome(ending, hp.GOOD, pages=1)
+        self.assertEqual(helper.pages[0].height, 0)
+        self.assert_page(helper.pages[0], "gray", 60, 400, 0)
+
+    def test_the_resolution_is_found_wherever_the_source_hides_it(self):
+        for keys, resolution in (
+                ({"unknown_resolution": 1, "resolution": 200}, 200),
+                ({"unknown_resolution": 1, "resolution": 79, "units": 1}, 79 * 2.54),
+                ({"units": 1}, 254),
+                ({"unknown_resolution": 1, "transfers": "native"}, 99.9998),
+                ({"unknown_resolution": 2, "transfers": "native"}, 0)):
+            with self.subTest(**keys):
+                helper, ending = self.scan(pages=SMALL, **keys)
+                self.assert_outcome(ending, hp.GOOD, pages=1)
+                self.assert_page(helper.pages[0], "rgb", 60, 40, 0, resolution)
+
+    def test_a_large_page_comes_in_pieces(self):
+        helper, ending = self.scan(pages="rgb300@2480x1000", strip=3 << 20)
+        self.assert_outcome(ending, hp.GOOD, pages=1)
+        page = helper.pages[0]
+        self.assertTrue(all(size % page.row_bytes() == 0 for size in page.pieces))
+        self.assertLess(max(page.pieces), 300 << 10)
+        self.assert_page(page, "rgb", 2480, 1000, 0, 300)
+
+    def test_a_jpeg_comes_byte_for_byte(self):
+        jpeg = bytes.fromhex("ffd8ffe0") + bytes(range(256)) * 40 + bytes.fromhex("ffd9")
+        (self.station.folder / "page.jpg").write_bytes(jpeg)
+        file = hp.windows_path(self.station.folder / "page.jpg")
+        helper, ending = self.scan(pages="jpeg200@60x40*2", compression="jpeg", jpeg_file=file,
+                                   strip=4000)
+        self.assert_outcome(ending, hp.GOOD, pages=2)
+        self.assertIn("Virtual set 0100 to 6", self.station.log())
+        for page in helper.pages:
+            self.assertEqual((page.kind, page.width, page.height, page.rows, page.x_resolution),
+                             (hp.JPEG, 60, 40, 0, 200))
+            self.assertEqual(bytes(page.data), jpeg)
+
+    def test_black_and_white_is_not_asked_for_as_a_jpeg(self):
+        self.scan(pages="bw100@60x40", compression="jpeg", pixel_type=0)
+        self.assertIn("Virtual set 0100 to 0", self.station.log())
+
+    def test_many_pages_come_in_order_until_the_feeder_is_empty(self):
+        # The last one cannot count: it announces a sixth page and then finds no paper.
+        for keys in ({}, {"counts": 1},
+                     {"pages": "gray100@30x20*6", "trouble": "29:6", "trouble_first": 1}):
+            with self.subTest(**keys):
+                helper, ending = self.scan(**{"pages": "gray100@30x20*5", **keys})
+                self.assert_outcome(ending, hp.GOOD, pages=5)
+                for number, page in enumerate(helper.pages):
+                    self.assert_page(page, "gray", 30, 20, number)
+                self.assert_released()
+
+    def test_a_page_of_each_old_and_new_way_of_calling(self):
+        for manager, keys in (({}, {"notify": "call"}), ({}, {"notify": "thread"}),
+                              ({}, {"notify": "event"}), ({"callback": 2}, {"notify": "call"}),
+                              ({"old": 1}, {"protocol": 1}), ({}, {"protocol": 1}),
+                              ({"old": 1}, {"protocol": 2}), ({}, {"ready_at_once": 1}),
+                              ({"old": 1}, {"ready_at_once": 1})):
+            with self.subTest(manager=manager, **keys):
+                self.station.script(manager, Virtual={"pages": SMALL + "*2", **keys})
+                with self.station.scan() as helper:
+                    helper.until("O")
+                    helper.say("a")
+                    helper.until("W")
+                    self.assert_outcome(helper.done(), hp.GOOD, pages=2)
+                    helper.ended()
+                self.assert_released()
+
+    # Endings
+
+    def test_closing_the_sources_window_is_a_cancel_without_pages(self):
+        for answer in ("cancel", "cancel_at_once"):
+            with self.subTest(answer=answer):
+                helper, ending = self.scan(pages=SMALL, answer=answer)
+                self.assert_outcome(ending, hp.CANCELLED)
+                self.assertEqual(helper.pages, [])
+                self.assertEqual(self.steps()[-2:], ["close", "manager close"])
+
+    def test_a_source_without_pages_ends_as_a_cancel(self):
+        _, ending = self.scan(pages=",")
+        self.assert_outcome(ending, hp.CANCELLED)
+
+    def test_closing_the_sources_window_after_pages_keeps_them(self):
+        helper, ending = self.scan(pages="gray100@30x20*4", close_during=2)
+        self.assert_outcome(ending, hp.GOOD, pages=2)
+        self.assertEqual(len(helper.pages), 2)
+        self.assert_released()
+
+    def test_cancelling_a_page_in_the_source_cancels_the_scan(self):
+        for transfers in ("memory", "native"):
+            with self.subTest(transfers=transfers):
+                helper, ending = self.scan(pages="gray100@30x20*3", cancel=2, rows=5,
+                                           transfers=transfers)
+                self.assert_outcome(ending, hp.CANCELLED, pages=1)
+                self.assertEqual(helper.dropped, 1 if transfers == "memory" else 0)
+                self.assertIn("reset", self.steps())
+                self.assert_released()
+
+    def test_the_program_cancels_before_the_source_is_opened_by_its_user(self):
+        self.station.script(Virtual={"pages": SMALL, "answer": "wait"})
+        with self.station.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            helper.until("W")
+            helper.say("c")
+            self.assert_outcome(helper.done(), hp.CANCELLED)
+            self.assertEqual(helper.ended(), 0)
+        self.assert_released()
+
+    def test_the_program_cancels_in_the_middle_of_a_page(self):
+        self.station.script(Virtual={"pages": "gray100@100x2000*3", "rows": 2, "strip_ms": 20})
+        with self.station.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            helper.until("R")
+            helper.say("c")
+            self.assert_outcome(helper.done(), hp.CANCELLED)
+            self.assertEqual((helper.pages, helper.dropped), ([], 1))
+            self.assertEqual(helper.ended(), 0)
+        self.assertEqual(self.steps()[-5:], ["endxfer", "reset", "disable", "close",
+                                             "manager close"])
+
+    def test_a_feeder_that_cannot_be_reset_is_stopped(self):
+        self.station.script(Virtual={"pages": "gray100@100x2000*3", "rows": 2, "strip_ms": 20,
+                                     "fail": "reset:5"})
+        with self.station.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            helper.until("R")
+            helper.say("c")
+            self.assert_outcome(helper.done(), hp.CANCELLED)
+            helper.ended()
+        self.assertIn("stopfeeder", self.steps())
+
+    def test_a_program_that_dies_while_pages_come_leaves_no_open_source(self):
+        self.station.script(Virtual={"pages": "gray100@1000x2000*3", "rows": 20, "strip_ms": 5})
+        with self.station.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            helper.until("R")
+            helper.process.stdin.close()
+            helper.until("D")
+            self.assertEqual(helper.ended(), 0)
+        self.assert_released()
+
+    def test_signs_of_life_come_while_the_user_decides(self):
+        self.station.script(Virtual={"pages": SMALL, "ready_ms": 2500})
+        with self.station.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            helper.until("W")
+            before = helper.alive
+            self.assert_outcome(helper.done(), hp.GOOD, pages=1)
+        self.assertGreaterEqual(helper.alive - before, 2)
+
+    # Trouble
+
+    def trouble(self, answer, **keys):
+        self.station.script(Virtual={"pages": "gray100@30x20*4", "rows": 5, **keys})
+        with self.station.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            told = hp.Ending(helper.until("T")[1])
+            helper.say(answer)
+            ending = helper.done()
+            self.assertEqual(helper.ended(), 0)
+        return helper, told, ending
+
+    def test_after_a_jam_the_scan_goes_on_with_the_page_that_jammed(self):
+        for condition in (JAM, DOUBLE_FEED, INTERLOCK):
+            for keys in ({}, {"trouble_first": 1}, {"transfers": "native"}, {"trouble_stops": 1}):
+                with self.subTest(condition=condition, **keys):
+                    helper, told, ending = self.trouble("g", trouble=f"{condition}:3", **keys)
+                    self.assert_outcome(told, hp.FAILED, hp.TRANSFER, condition, 2)
+                    self.assert_outcome(ending, hp.GOOD, pages=4)
+                    whole = "transfers" in keys or "trouble_first" in keys
+                    self.assertEqual(helper.dropped, 0 if whole else 1)
+                    for number, page in enumerate(helper.pages):
+                        self.assert_page(page, "gray", 30, 20, number)
+                    self.assert_released()
+
+    def test_after_a_jam_the_pages_can_be_kept(self):
+        helper, _, ending = self.trouble("k", trouble=f"{JAM}:3")
+        self.assert_outcome(ending, hp.GOOD, pages=2)
+        self.assertEqual(len(helper.pages), 2)
+        self.assert_released()
+
+    def test_after_a_jam_the_scan_can_be_cancelled(self):
+        _, _, ending = self.trouble("c", trouble=f"{JAM}:3")
+        self.assert_outcome(ending, hp.CANCELLED, pages=2)
+        self.assert_released()
+
+    def test_a_source_that_cannot_go_on_after_a_jam_says_so(self):
+        _, _, ending = self.trouble("g", trouble=f"{JAM}:3", fail="endxfer_in_trouble:5")
+        self.assert_outcome(ending, hp.FAILED, hp.END_PAGE, 5, pages=2)
+
+    def test_a_jam_of_the_first_page_is_a_failure(self):
+        helper, ending = self.scan(pages="gray100@30x20*4", trouble=f"{JAM}:1", rows=5)
+        self.assert_outcome(ending, hp.FAILED, hp.TRANSFER, JAM)
+        self.assertEqual((ending.return_code, helper.dropped, helper.pages), (1, 1, []))
+        self.assert_released()
+
+    def test_an_empty_feeder_is_a_failure_without_pages(self):
+        _, ending = self.scan(pages=SMALL, trouble=f"{NO_MEDIA}:1", trouble_first=1)
+        self.assert_outcome(ending, hp.FAILED, hp.TRANSFER, NO_MEDIA)
+
+    def test_other_failures_are_told_with_their_step_and_codes(self):
+        for keys, step, condition, pages in (
+                ({"fail": "enable:23"}, hp.ENABLE, 23, 0),
+                ({"fail": "info:5"}, hp.PAGE_INFO, 5, 0),
+                ({"trouble": "2:2", "rows": 5}, hp.TRANSFER, 2, 1),
+                ({"trouble": "2:2", "transfers": "native"}, hp.TRANSFER, 2, 1),
+                ({"fail": "endxfer:1"}, hp.END_PAGE, 1, 1)):
+            with self.subTest(**keys):
+                _, ending = self.scan(pages=SMALL + "*3", **keys)
+                self.assert_outcome(ending, hp.FAILED, step, condition, pages)
+                self.assertEqual(ending.return_code, 1)
+                self.assertIn("close", self.steps())
+                self.assertEqual(self.steps()[-1], "manager close")
+
+    def test_sizes_that_cannot_be_are_refused(self):
+        for nonsense in ("rows", "written", "stride", "columns", "narrow", "tiles", "endless",
+                         "length", "buffer"):
+            with self.subTest(nonsense=nonsense):
+                helper, ending = self.scan(pages="rgb100@60x40", rows=10, nonsense=nonsense)
+                self.assert_outcome(ending, hp.FAILED, hp.BAD_PAGE)
+                self.assertEqual((helper.pages, helper.open_page), ([], None))
+                self.assert_released()
+
+    def test_bitmaps_that_cannot_be_are_refused(self):
+        for nonsense in ("height", "header", "colours", "nothing"):
+            with self.subTest(nonsense=nonsense):
+                helper, ending = self.scan(pages=SMALL, transfers="native", nonsense=nonsense)
+                self.assert_outcome(ending, hp.FAILED, hp.BAD_PAGE)
+                self.assertEqual((helper.pages, helper.open_page), ([], None))
+                self.assert_released()
+
+    def test_pages_in_forms_that_nobody_asked_for_are_refused(self):
+        for keys, detail in (({"nonsense": "compression"}, 0x10005), ({"nonsense": "type"}, 5),
+                             ({"nonsense": "planar"}, 2),
+                             ({"nonsense": "packed", "transfers": "native"}, 0x20001)):
+            with self.subTest(**keys):
+                _, ending = self.scan(pages=SMALL, **keys)
+                self.assert_outcome(ending, hp.FAILED, hp.FOREIGN_PAGE)
+                self.assertEqual(ending.detail, detail)
+                self.assert_released()
+
+    def test_a_source_that_never_delivers_a_row_is_given_up(self):
+        helper, ending = self.scan(pages=SMALL, nonsense="empty")
+        self.assert_outcome(ending, hp.FAILED, hp.BAD_PAGE)
+        self.assertEqual(helper.dropped, 0)
+
+    # Drivers that crash, hang and chatter
+
+    def test_a_crash_of_the_driver_anywhere_is_told(self):
+        for kind, code in (("crash", 0xC0000005), ("raise", 0xE06D7363),
+                           ("abort", 0x40000015), ("throw", None),
+                           ("crash_thread", 0xC0000005)):
+            with self.subTest(kind=kind):
+                helper, ending = self.scan(pages=SMALL + "*2", rows=5, **{kind: "middle:2"})
+                self.assertEqual(ending.outcome, hp.CRASHED)
+                self.assertEqual(len(helper.pages), 1)
+                self.assertEqual(helper.exit_code, 3)
+                if code:
+                    self.assertEqual(hex(ending.detail), hex(code))
+
+    def test_a_crash_at_any_place_is_told(self):
+        for place in ("open", "capability", "enable", "window", "info:1", "transfer:1",
+                      "endxfer:1"):
+            with self.subTest(place=place):
+                self.station.script(Virtual={"pages": SMALL, "crash": place})
+                with self.station.scan() as helper:
+                    if place not in ("open",):
+                        helper.until("O")
+                        helper.say("a")
+                    self.assertEqual(helper.done().outcome, hp.CRASHED)
+                    self.assertEqual(helper.ended(), 3)
+
+    def test_a_crash_on_the_way_out_loses_nothing(self):
+        for place in ("disable", "close"):
+            with self.subTest(place=place):
+                helper, ending = self.scan(pages=SMALL + "*2", crash=place)
+                self.assert_outcome(ending, hp.GOOD, pages=2)
+                self.assertEqual(len(helper.pages), 2)
+
+    def test_a_hang_on_the_way_out_loses_nothing(self):
+        self.station.script(Virtual={"pages": SMALL, "hang": "close"})
+        with self.station.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            self.assert_outcome(helper.done(), hp.GOOD, pages=1)
+            self.wait_for_log("hang at close:0")
+            self.assertIsNone(helper.process.poll())
+
+    def test_a_driver_that_ends_the_process_leaves_no_last_frame(self):
+        self.station.script(Virtual={"pages": SMALL, "exit": "transfer:1"})
+        with self.station.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            helper.until("W")
+            self.assertEqual(helper.ended(), 9)
+
+    def test_what_a_driver_prints_does_not_reach_the_frames(self):
+        helper, ending = self.scan(pages=SMALL + "*2", chatter="transfer:2")
+        self.assert_outcome(ending, hp.GOOD, pages=2)
+        self.assert_page(helper.pages[1], "rgb", 60, 40, 1)
+
+    def wait_for_log(self, line):
+        deadline = time.monotonic() + hp.DEADLINE
+        while line not in self.station.log():
+            self.assertLess(time.monotonic(), deadline, self.station.log())
+            os.sched_yield()
+
+
+def load_tests(loader, _, __):
+    """A class for each word size that was built; none is an error."""
+    suite = unittest.TestSuite()
+    for bits in hp.builds():
+        name = f"Helper{bits}Test"
+        case = type(name, (HelperRoads, unittest.TestCase), {"bits": bits})
+        suite.addTests(loader.loadTestsFromTestCase(case))
+    if not hp.builds():
+        raise RuntimeError("FOLIDEX_TWAIN_BUILDS names no folder with a helper in it")
+    return suite
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
