@@ -152,8 +152,8 @@ Function share_folder
   Pop $R1
   ${If} $R0 != 0
     MessageBox MB_OK|MB_ICONEXCLAMATION "Folidex is installed, but not every user of this \
-        workstation may write in $APPDATA\${SHARED_FOLDER} ($R0). Give them the right to modify \
-        that folder.$\r$\n$\r$\n$R1" /SD IDOK
+        workstation may write in $APPDATA\${SHARED_FOLDER} (icacls: $R0). Give them the right \
+        to modify that folder.$\r$\n$\r$\n$R1" /SD IDOK
   ${EndIf}
 FunctionEnd
 

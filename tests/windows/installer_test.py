@@ -9,7 +9,9 @@
 
 import os
 import pathlib
+import re
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -264,6 +266,13 @@ class Installer(unittest.TestCase):
         self.assertEqual(self.install(r"C:\Archive"), FAILED)
         self.assert_nothing_is_installed()
 
+    def test_rights_that_cannot_be_given_do_not_stop_the_installation(self):
+        # A Windows that cannot start the tool which gives them.
+        self.station.environment["WINEDLLOVERRIDES"] += ";icacls.exe="
+        self.assertEqual(self.install(), 0)
+        self.assertEqual(self.registered()["DisplayVersion"], VERSION)
+        self.station.start(self.folder / "folidex.exe")
+
     def test_the_portable_archive_runs_where_it_was_unpacked(self):
         archive = SETUP.with_name(f"Folidex-{VERSION}-portable.zip")
         with zipfile.ZipFile(archive) as pack:
@@ -273,6 +282,49 @@ class Installer(unittest.TestCase):
         del expected[LIST]
         self.assertEqual(contents(folder), expected)
         self.station.start(folder / "folidex.exe")
+
+
+class Programs(unittest.TestCase):
+    """What Windows reads from the programs' files."""
+
+    PROGRAMS = ("folidex.exe", "folidex-twain32.exe", "folidex-twain64.exe")
+
+    def test_every_program_names_its_version_and_maker(self):
+        for name in self.PROGRAMS:
+            data = (STAGE / name).read_bytes()
+            for key, value in (("ProductVersion", VERSION), ("CompanyName", "The Folidex authors"),
+                               ("ProductName", "Folidex"), ("OriginalFilename", name)):
+                # The value follows its key, aligned to four bytes.
+                found = re.search(re.escape(f"{key}\0".encode("utf-16-le")) + b"(?:\0\0)?"
+                                  + re.escape(f"{value}\0".encode("utf-16-le")), data)
+                self.assertTrue(found, f"{name} has no {key} \"{value}\"")
+            numbers = [int(number) for number in VERSION.split(".")]
+            fixed = struct.pack("<IIHHHH", 0xFEEF04BD, 0x10000, numbers[1], numbers[0], 0,
+                                numbers[2])
+            self.assertIn(fixed, data, f"{name} has no version in numbers")
+
+    def manifest(self, name):
+        found = re.findall(rb"<assembly xmlns.*?</assembly>", (STAGE / name).read_bytes(), re.DOTALL)
+        self.assertEqual(len(found), 1, name)
+        return found[0].decode()
+
+    def test_no_program_asks_for_elevation(self):
+        for name in self.PROGRAMS:
+            self.assertIn('<requestedExecutionLevel level="asInvoker"', self.manifest(name))
+
+    def test_the_program_wants_sharp_windows_long_paths_and_todays_controls(self):
+        manifest = self.manifest("folidex.exe")
+        self.assertRegex(manifest, r"<dpiAwareness [^>]*>PerMonitorV2, PerMonitor<")
+        self.assertRegex(manifest, r"<longPathAware [^>]*>true<")
+        self.assertRegex(manifest, r'name="Microsoft.Windows.Common-Controls" version="6\.0\.0\.0"')
+        self.assertIn("{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}", manifest)
+
+    def test_no_program_opens_a_console(self):
+        for name in self.PROGRAMS:
+            data = (STAGE / name).read_bytes()
+            header = struct.unpack_from("<I", data, 0x3C)[0]
+            self.assertEqual(data[header:header + 4], b"PE\0\0")
+            self.assertEqual(struct.unpack_from("<H", data, header + 24 + 68)[0], 2, name)
 
 
 if __name__ == "__main__":
