@@ -2,8 +2,9 @@
 # SPDX-License-Identifier: Apache-2.0
 """A scanning helper under wine, spoken to in its frames, and the pages that virtual scanners make.
 
-FOLIDEX_TWAIN_BUILDS names the folders in which helpers and virtual scanners were built, one or both
-word sizes, with colons between.
+FOLIDEX_TWAIN_BUILDS names the folders in which helpers and virtual scanners were built, with colons
+between (build/windows and build/windows32, where ./build-windows --tests makes those of both word
+sizes).
 """
 
 import contextlib
@@ -13,7 +14,15 @@ import queue
 import shutil
 import struct
 import subprocess
+import sys
 import threading
+
+TREE = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(TREE / "tests/support"))
+sys.dont_write_bytecode = True
+
+from driver.stack import Stack  # noqa: E402
+from driver.wine_machine import Machine  # noqa: E402
 
 DEADLINE = 60  # seconds; how long a busy machine may take for anything that must happen
 
@@ -46,22 +55,42 @@ class Page:
         return {BILEVEL: (self.width + 7) // 8, GRAY: self.width, RGB: self.width * 3}[self.kind]
 
 
-def wine(program, *arguments):
-    """The loader of the program's word size, so that the process is the program itself."""
-    loader = "/usr/lib/wine/wine64" if "64" in program.name else "/usr/lib/wine/wine"
-    return [loader, str(program), *map(str, arguments)]
+class Workstation(Stack):
+    """A bare machine with a display, on which helpers run."""
 
+    def __init__(self):
+        super().__init__(None, 1, "folidex-twain-")
+        self.machine = Machine(self.home / "machine", self.home / "home")
 
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
+    def _make_folders(self):
+        for name in ("log", "home"):
+            (self.home / name).mkdir()
+        self.machine.make()
+
+    def _environment(self):
+        return dict(self.machine.environment)
+
+    def _connect(self):
+        self.machine.environment = self.environment
+
+    def _end_processes(self):
+        self.machine.end()
+        super()._end_processes()
+
+    @staticmethod
+    def command(program, *arguments):
+        """With the loader of the program's word size, so that the process is the program itself."""
+        loader = "wine64" if "64" in program.name else "wine"
+        return [f"/usr/lib/wine/{loader}", str(program), *map(str, arguments)]
 
 
 def builds():
     """The word sizes that were built: {64: folder, 32: folder}."""
     found = {}
-    for folder in os.environ.get("FOLIDEX_TWAIN_BUILDS", "").split(":"):
+    usual = f"{TREE}/build/windows/capture:{TREE}/build/windows32"
+    for folder in os.environ.get("FOLIDEX_TWAIN_BUILDS", usual).split(":"):
         for bits in (64, 32):
-            for program in pathlib.Path(folder or "/nowhere").rglob(f"folidex-twain{bits}.exe"):
+            for program in pathlib.Path(folder).rglob(f"folidex-twain{bits}.exe"):
                 found[bits] = program
     return found
 
@@ -79,10 +108,10 @@ def virtual(program, name):
 class Helper:
     """One helper process. Ends with it, whatever happened."""
 
-    def __init__(self, program, *arguments, environment=None):
+    def __init__(self, workstation, program, *arguments):
         self.process = subprocess.Popen(
-            wine(program, *arguments), stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-            stderr=subprocess.DEVNULL, env={**os.environ, **(environment or {})})
+            workstation.command(program, *arguments), stdin=subprocess.PIPE,
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env=workstation.environment)
         self.frames = queue.Queue()
         self.pages = []
         self.open_page = None
@@ -159,15 +188,15 @@ class Helper:
         return self.process.wait(DEADLINE)
 
 
-class Station:
+class Desk:
     """A folder with a helper, the virtual scanners beside it, and their script."""
 
-    def __init__(self, folder, program, manager="TWAINDSM.dll"):
+    def __init__(self, workstation, folder, program, library="TWAINDSM.dll", name="TWAINDSM.dll"):
+        self.workstation = workstation
         self.folder = pathlib.Path(folder)
         self.program = self.folder / program.name
         shutil.copy(program, self.program)
-        if manager:
-            shutil.copy(virtual(program, manager), self.folder / "TWAINDSM.dll")
+        shutil.copy(virtual(program, library), self.folder / name)
 
     def script(self, manager=None, **sources):
         """Sources by name; each its keys. Blanks stand where a name has an underscore."""
@@ -187,12 +216,15 @@ class Station:
         path = self.folder / "scanners.log"
         return path.read_text("cp1252").splitlines() if path.exists() else []
 
-    def list(self, **options):
-        return Helper(self.program, "list", **options)
+    def run(self, *arguments):
+        return Helper(self.workstation, self.program, *arguments)
 
-    def scan(self, name="Virtual", index=0, wishes=ALL_WISHES, owner=0, **options):
-        return Helper(self.program, "scan", "--index", index, "--name", name, "--owner", owner,
-                      "--wishes", wishes, **options)
+    def list(self):
+        return self.run("list")
+
+    def scan(self, name="Virtual", index=0, wishes=ALL_WISHES, owner=0):
+        return self.run("scan", "--index", index, "--name", name, "--owner", owner, "--wishes",
+                        wishes)
 
 
 def level(x, y, page, colour=0):

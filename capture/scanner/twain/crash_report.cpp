@@ -15,8 +15,8 @@ namespace {
 constexpr UINT kExitCode = 3;
 /// What is told of an ending that has no exception code: STATUS_FATAL_APP_EXIT.
 constexpr DWORD kAborted = 0x40000015;
-/// Stack that is kept for the report of a stack overflow.
-constexpr ULONG kLastStack = 64u << 10;
+
+HANDLE overflowed = nullptr;
 
 [[noreturn]] void end_with(DWORD code) {
     Ending ending{};
@@ -28,6 +28,21 @@ constexpr ULONG kLastStack = 64u << 10;
         Sleep(INFINITE);
 }
 
+DWORD WINAPI report_overflow(void*) {
+    WaitForSingleObject(overflowed, INFINITE);
+    end_with(EXCEPTION_STACK_OVERFLOW);
+}
+
+/// A thread without stack has hardly room for a call: another one speaks for it, and it does so
+/// before the system walks through the frames, which takes room too.
+LONG WINAPI on_first_sight(EXCEPTION_POINTERS* fault) {
+    if (fault->ExceptionRecord->ExceptionCode != EXCEPTION_STACK_OVERFLOW)
+        return EXCEPTION_CONTINUE_SEARCH;
+    SetEvent(overflowed);
+    Sleep(INFINITE);
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
 LONG WINAPI on_fault(EXCEPTION_POINTERS* fault) {
     end_with(fault->ExceptionRecord->ExceptionCode);
 }
@@ -36,8 +51,10 @@ LONG WINAPI on_fault(EXCEPTION_POINTERS* fault) {
 
 void report_crashes() {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
-    ULONG kept = kLastStack;
-    SetThreadStackGuarantee(&kept);
+    overflowed = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    if (const HANDLE thread = CreateThread(nullptr, 0, report_overflow, nullptr, 0, nullptr))
+        CloseHandle(thread);
+    AddVectoredExceptionHandler(1, on_first_sight);
     SetUnhandledExceptionFilter(on_fault);
     std::set_terminate([] { end_with(kAborted); });
     std::signal(SIGABRT, [](int) { end_with(kAborted); });

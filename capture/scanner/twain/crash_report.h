@@ -7,7 +7,7 @@ namespace folidex::twain {
 
 /// From here on a crash of the process, whosever code it is, is told to the program (kCrashed) and
 /// ends the process at once, without a box and without unwinding: processor faults, C++ exceptions
-/// that leave a driver, an overflow of the calling thread's stack, std::terminate and abort.
+/// that leave a driver, overflows of a stack, std::terminate and abort.
 void report_crashes();
 
 } // namespace folidex::twain
