@@ -7,16 +7,9 @@
 #include "capture/scanner/sane_error.h"
 #include "capture/scanner/sane_page.h"
 #include "capture/scanner/scan_control.h"
+#include "capture/scanner/scan_wishes.h"
 
 namespace folidex {
-
-/// What the capture form asked of an acquisition.
-struct ScanWishes {
-    bool use_feeder = false;
-    bool auto_feed = false;
-    bool both_sides = false;
-    bool until_empty = false;
-};
 
 /// One acquisition from an open device, page by page into a spool: the feeder to its end, or
 /// one page from the glass when the feeder is empty or there is none. A jam or an open cover

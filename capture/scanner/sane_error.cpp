@@ -7,9 +7,6 @@ namespace folidex {
 
 namespace {
 
-constexpr int kDeviceIoError = 57;
-constexpr int kDeviceUnavailable = 68;
-
 int number_of(SANE_Status status) {
     switch (status) {
     case SANE_STATUS_ACCESS_DENIED:
@@ -67,20 +64,6 @@ Error sane_error(const SaneApi& api, SANE_Status status, const SaneWho& who) {
 Error scanner_error(const SaneWho& who, const QString& words, const QString& advice) {
     return {kDeviceIoError, QStringLiteral("The scanner \"%1\" (%2) reports: %3.\r\n\r\n%4")
                                 .arg(who.name, sane_text(who.device), words, advice)};
-}
-
-Error no_answer_error(const QString& name) {
-    return {kDeviceUnavailable,
-            QStringLiteral("The scanner \"%1\" does not answer; no page was kept.\r\n\r\nSwitch it "
-                           "off and on again, check its cable, then scan again.")
-                .arg(name)};
-}
-
-Error still_hangs_error() {
-    return {kDeviceUnavailable,
-            QStringLiteral("The scanner that was cancelled before still does not answer, so no new "
-                           "scan can start.\r\n\r\nSwitch it off and on again. If that does not "
-                           "help, save your work and start Folidex again.")};
 }
 
 } // namespace folidex

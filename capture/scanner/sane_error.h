@@ -4,7 +4,7 @@
 #pragma once
 
 #include "capture/scanner/sane_api.h"
-#include "common/error.h"
+#include "capture/scanner/scanner_error.h"
 
 #include <QByteArray>
 #include <QString>
@@ -31,8 +31,5 @@ struct SaneWho {
 Error sane_error(const SaneApi& api, SANE_Status status, const SaneWho& who);
 /// A failure in our own words, in the same form.
 Error scanner_error(const SaneWho& who, const QString& words, const QString& advice);
-/// The device did not react to being cancelled, or still hangs from an earlier scan.
-Error no_answer_error(const QString& name);
-Error still_hangs_error();
 
 } // namespace folidex

@@ -3,11 +3,9 @@
 
 #include "capture/scanner/sane_scanner.h"
 
-#include "capture/scanner/pdf_writer.h"
 #include "capture/scanner/sane_device.h"
 #include "capture/scanner/system_scanner.h"
 #include "common/error_trap.h"
-#include "platform/safe_file.h"
 
 #include <QApplication>
 #include <thread>
@@ -18,8 +16,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kWaitForLocal{900};
 constexpr int kLookEvery = 100;
-constexpr int kShowAfter = 200;
-constexpr int kAtOnce = 0;
 
 } // namespace
 
@@ -28,13 +24,12 @@ std::unique_ptr<Scanner> make_system_scanner() {
 }
 
 SaneScanner::SaneScanner(std::shared_ptr<SaneSession> session)
-    : session_(std::move(session)), pages_(std::make_shared<PageSpool>()) {
+    : BackgroundScanner(session->thread()), session_(std::move(session)) {
     on(&late_, &QTimer::timeout, &late_, [this] { look_for_late_sources(); });
 }
 
 SaneScanner::~SaneScanner() {
     close_device();
-    delete progress_;
 }
 
 int SaneScanner::source_count() {
@@ -74,80 +69,31 @@ void SaneScanner::set_current_source(int index) {
     current_ = index;
 }
 
-void SaneScanner::set_use_feeder(bool on) {
-    wishes_.use_feeder = on;
+SaneScanner::Start SaneScanner::with_sane(SaneWork work) const {
+    return [session = session_,
+            work = std::move(work)](const std::shared_ptr<ScanControl>& operation) {
+        session->post([operation, work](const SaneApi* api) {
+            carry_out(*operation, [&] {
+                if (!api)
+                    throw Error{kInternalError, QStringLiteral("SANE could not be started.")};
+                work(*api, *operation);
+            });
+        });
+    };
 }
 
-void SaneScanner::set_auto_feed(bool on) {
-    wishes_.auto_feed = on;
-}
-
-void SaneScanner::set_show_progress(bool on) {
-    show_progress_ = on;
-}
-
-bool SaneScanner::supports_duplex() {
-    // Asked before a source is chosen: whether this one has it shows when it is open.
-    return true;
-}
-
-void SaneScanner::set_duplex(bool on) {
-    wishes_.both_sides = on;
-}
-
-void SaneScanner::set_scan_until_empty(bool on) {
-    wishes_.until_empty = on;
-}
-
-ScanProgress& SaneScanner::progress(QWidget* parent) {
-    if (!progress_ || !progress_->isVisible()) {
-        delete progress_;
-        progress_ = new ScanProgress(who_.name, parent);
-    }
-    return *progress_;
-}
-
-bool SaneScanner::run(ScanControl::Phase phase, QWidget* parent, int show_after, Work work,
-                      std::function<void()> nudge) {
-    auto operation = std::make_shared<ScanControl>(phase);
-    session_->post([operation, work = std::move(work)](const SaneApi* api) {
-        std::exception_ptr failure;
-        try {
-            if (!api)
-                throw Error{kInternalError, QStringLiteral("SANE could not be started.")};
-            work(*api, *operation);
-        } catch (...) {
-            failure = std::current_exception();
-        }
-        operation->finish(failure);
-    });
-    ScanProgress& window = progress(parent);
-    const auto outcome =
-        window.run(operation, show_progress_ ? show_after : ScanProgress::kNever, std::move(nudge));
-    if (outcome == ScanProgress::Outcome::kNoAnswer) {
-        window.hide();
-        session_->abandon(operation);
-        device_.reset();
-        throw no_answer_error(who_.name);
-    }
-    try {
-        operation->rethrow();
-    } catch (...) {
-        window.hide();
-        throw;
-    }
-    window.release();
-    return !operation->cancelled();
+void SaneScanner::left_behind() {
+    device_.reset();
 }
 
 bool SaneScanner::open_source() {
     close_device();
     if (!is_known(current_))
         return false;
-    if (session_->hangs())
-        throw still_hangs_error();
+    refuse_while_hanging();
     const SaneSource& source = sources_.at(current_);
     who_ = {source_name(current_), source.device, source.type};
+    set_name(who_.name);
     auto device = std::make_shared<SaneDevice>(source.device);
     const auto usable = std::make_shared<bool>(false);
     const auto work = [device, usable, who = who_](const SaneApi& api, ScanControl& operation) {
@@ -164,9 +110,9 @@ bool SaneScanner::open_source() {
             device->close();
     };
     device_ = device;
-    const bool opened =
-        run(ScanControl::Phase::kOpening, QApplication::activeWindow(), kShowAfter, work) &&
-        *usable;
+    const bool opened = follow(ScanControl::Phase::kOpening, QApplication::activeWindow(),
+                               kShowAfter, with_sane(work)) &&
+                        *usable;
     if (!opened)
         close_device();
     return opened;
@@ -179,11 +125,6 @@ void SaneScanner::close_device() {
     device_.reset();
 }
 
-void SaneScanner::discard_pages() {
-    chosen_.clear();
-    pages_ = std::make_shared<PageSpool>();
-}
-
 void SaneScanner::acquire(QWidget* parent) {
     discard_pages();
     if (!device_)
@@ -191,8 +132,8 @@ void SaneScanner::acquire(QWidget* parent) {
     // A scan that is left behind may still fill its own spool, never a later one's.
     const auto pages = std::make_shared<PageSpool>();
     const auto device = device_;
-    const auto work = [device, pages, who = who_, wishes = wishes_](const SaneApi& api,
-                                                                    ScanControl& operation) {
+    const auto work = [device, pages, who = who_, wishes = wishes()](const SaneApi& api,
+                                                                     ScanControl& operation) {
         struct Closing {
             SaneDevice& device;
             ~Closing() { device.close(); }
@@ -202,38 +143,8 @@ void SaneScanner::acquire(QWidget* parent) {
     // Asked from elsewhere: the scanner's own thread is the one that does not come back.
     const auto nudge = [device] { std::thread([device] { device->stop(); }).detach(); };
     device_.reset();
-    if (run(ScanControl::Phase::kScanning, parent, kAtOnce, work, nudge))
-        pages_ = pages;
-}
-
-int SaneScanner::page_count() {
-    return pages_->count();
-}
-
-void SaneScanner::select_page(int page) {
-    if (page < 1 || page > page_count())
-        throw Error{kSubscriptOutOfRange, QStringLiteral("There is no scanned page %1.").arg(page)};
-}
-
-void SaneScanner::append_page(int page) {
-    select_page(page);
-    chosen_.push_back(page);
-}
-
-void SaneScanner::write_pdf(const QString& path) {
-    const auto work = [path, pages = pages_, chosen = chosen_](const SaneApi&,
-                                                               ScanControl& operation) {
-        write_file(path, [&](QIODevice& file) {
-            PdfWriter pdf(file);
-            int written = 0;
-            for (const int page : chosen) {
-                pdf.add_page(pages->page(page));
-                operation.set_fraction(++written / static_cast<double>(chosen.size()));
-            }
-            pdf.finish();
-        });
-    };
-    run(ScanControl::Phase::kWriting, QApplication::activeWindow(), kShowAfter, work);
+    if (follow(ScanControl::Phase::kScanning, parent, kAtOnce, with_sane(work), nudge))
+        keep(pages);
 }
 
 } // namespace folidex

@@ -5,8 +5,16 @@
 
 namespace folidex {
 
+namespace {
+
+constexpr std::chrono::milliseconds kNowAndThen{50};
+
+} // namespace
+
 void ScanControl::begin_page(int page) {
     const std::lock_guard lock(mutex_);
+    if (state_.phase == Phase::kChoosing)
+        state_.phase = Phase::kScanning;
     state_.page = page;
     state_.fraction = -1;
 }
@@ -16,11 +24,24 @@ void ScanControl::set_fraction(double fraction) {
     state_.fraction = fraction;
 }
 
-ScanControl::Answer ScanControl::ask(const Trouble& trouble) {
+void ScanControl::set_silent(bool silent) {
+    const std::lock_guard lock(mutex_);
+    state_.silent = silent;
+}
+
+ScanControl::Answer ScanControl::ask(const Trouble& trouble,
+                                     const std::function<void()>& meanwhile) {
     std::unique_lock lock(mutex_);
     answer_.reset();
     state_.trouble = trouble;
-    changed_.wait(lock, [this] { return answer_ || cancelled_; });
+    const auto answered = [this] { return answer_ || cancelled_; };
+    while (!changed_.wait_for(lock, kNowAndThen, answered)) {
+        if (!meanwhile)
+            continue;
+        lock.unlock();
+        meanwhile();
+        lock.lock();
+    }
     state_.trouble.reset();
     return cancelled_ ? Answer::kDiscard : *answer_;
 }

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <exception>
+#include <functional>
 #include <mutex>
 #include <optional>
 
@@ -18,7 +19,9 @@ namespace folidex {
 /// state() at its own pace, so that a fast scanner cannot flood it. Any thread.
 class ScanControl {
 public:
-    enum class Phase { kOpening, kScanning, kWriting };
+    /// kChoosing: a window of the source's own is up, in which the user decides; the first page
+    /// makes kScanning of it.
+    enum class Phase { kOpening, kChoosing, kScanning, kWriting };
     enum class Answer { kContinue, kKeep, kDiscard };
 
     /// Something in the way of a page that the user can clear: a jam, an open cover.
@@ -32,15 +35,18 @@ public:
         int page = 0;
         double fraction = -1; ///< of the page, 0 to 1; below 0 when its height is unknown
         std::optional<Trouble> trouble;
+        bool silent = false; ///< no sign of life for a while
         bool done = false;
     };
 
     explicit ScanControl(Phase phase) { state_.phase = phase; }
 
-    /// The scanner's side. ask() waits for the answer; a cancelled operation answers kDiscard.
+    /// The scanner's side. ask() waits for the answer, and has something done every now and then
+    /// meanwhile; a cancelled operation answers kDiscard.
     void begin_page(int page);
     void set_fraction(double fraction);
-    Answer ask(const Trouble& trouble);
+    void set_silent(bool silent);
+    Answer ask(const Trouble& trouble, const std::function<void()>& meanwhile = {});
     /// Waits a moment; ends early when the operation is cancelled.
     void rest(std::chrono::milliseconds time);
     void finish(std::exception_ptr failure = nullptr);

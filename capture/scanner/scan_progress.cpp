@@ -38,6 +38,8 @@ QString heading(const ScanControl::State& state) {
     switch (state.phase) {
     case ScanControl::Phase::kOpening:
         return QStringLiteral("Opening the scanner...");
+    case ScanControl::Phase::kChoosing:
+        return QStringLiteral("The scanner's driver does not answer.");
     case ScanControl::Phase::kScanning:
         return QStringLiteral("Page %1").arg(qMax(1, state.page));
     case ScanControl::Phase::kWriting:
@@ -55,6 +57,10 @@ ScanProgress::ScanProgress(const QString& source, QWidget* parent) : QDialog(par
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setModal(true);
     build(source);
+    shield = new QDialog(this);
+    shield->setObjectName(QStringLiteral("shield"));
+    shield->setAttribute(Qt::WA_DontShowOnScreen);
+    shield->setModal(true);
     on(&timer_, &QTimer::timeout, this, [this] { follow(); });
 }
 
@@ -146,7 +152,8 @@ ScanProgress::Outcome ScanProgress::run(std::shared_ptr<ScanControl> operation, 
         loop_ = &loop;
         // Until the window covers the form, clicks wait: they must not begin a second scan.
         const int left =
-            loop.exec(isVisible() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
+            loop.exec(isVisible() || shield->isVisible() ? QEventLoop::AllEvents
+                                                         : QEventLoop::ExcludeUserInputEvents);
         loop_ = nullptr;
         if (left != kLoopLeft) {
             // The program is being ended; nobody waits for the scanner any more.
@@ -155,6 +162,7 @@ ScanProgress::Outcome ScanProgress::run(std::shared_ptr<ScanControl> operation, 
         }
     }
     timer_.stop();
+    shield->hide();
     operation_.reset();
     nudge_ = {};
     return outcome_;
@@ -168,7 +176,22 @@ void ScanProgress::release() {
 }
 
 bool ScanProgress::wanted(const ScanControl::State& state) const {
+    if (state.phase == ScanControl::Phase::kChoosing)
+        return state.silent || state.trouble;
     return state.trouble || (show_after_ != kNever && since_start_.elapsed() >= show_after_);
+}
+
+void ScanProgress::appear() {
+    show();
+    shield->hide();
+    // From behind the source's window, which belongs to another process.
+    raise();
+    activateWindow();
+}
+
+void ScanProgress::make_way() {
+    shield->show();
+    hide();
 }
 
 void ScanProgress::follow() {
@@ -178,8 +201,10 @@ void ScanProgress::follow() {
         return;
     }
     refresh(state);
-    if (!isVisible() && wanted(state)) {
-        show();
+    const bool away = state.phase == ScanControl::Phase::kChoosing && !wanted(state);
+    const bool changes = away ? !shield->isVisible() : !isVisible() && wanted(state);
+    if (changes) {
+        away ? make_way() : appear();
         // Back in with clicks let through.
         if (loop_)
             loop_->exit(kLoopLeft);

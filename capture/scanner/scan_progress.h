@@ -20,8 +20,10 @@ class QStackedWidget;
 namespace folidex {
 
 /// The window over a form while the scanner works: which source, which page, how much of it,
-/// Cancel; after a jam or an open cover what to do about it. run() follows one operation to its
-/// end, and no longer than two seconds after Cancel. UI thread.
+/// Cancel; after a jam or an open cover what to do about it. While the source shows a window of
+/// its own this one stays away, unless the source falls silent; the form is out of reach all the
+/// same. run() follows one operation to its end, and no longer than two seconds after Cancel.
+/// UI thread.
 class ScanProgress : public QDialog {
     Q_OBJECT
 
@@ -58,6 +60,8 @@ private:
     void answer(ScanControl::Answer answer);
     void leave(Outcome outcome);
     bool wanted(const ScanControl::State& state) const;
+    void appear();
+    void make_way();
 
     QLabel* lblSource;
     QLabel* lblPage;
@@ -68,6 +72,9 @@ private:
     QPushButton* cmdKeepPages;
     QPushButton* cmdDiscardPages;
     QPushButton* cmdCancelScan;
+
+    /// A modal window that is nowhere to be seen: it keeps input from the form.
+    QDialog* shield;
 
     std::shared_ptr<ScanControl> operation_;
     std::function<void()> nudge_;

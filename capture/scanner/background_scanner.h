@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "capture/scanner/page_spool.h"
+#include "capture/scanner/scan_progress.h"
+#include "capture/scanner/scan_wishes.h"
+#include "capture/scanner/scanner.h"
+#include "capture/scanner/scanner_thread.h"
+
+#include <QPointer>
+#include <vector>
+
+namespace folidex {
+
+/// What the back ends have in common: the form's wishes, the pages of one acquisition and the
+/// PDF of them, and operations that run on the scanner's thread while a ScanProgress keeps the
+/// form alive and out of reach. A back end knows its sources, opens them and fills a spool.
+class BackgroundScanner : public Scanner {
+public:
+    ~BackgroundScanner() override;
+
+    void set_use_feeder(bool on) override;
+    void set_auto_feed(bool on) override;
+    void set_show_progress(bool on) override;
+    bool supports_duplex() override;
+    void set_duplex(bool on) override;
+    void set_scan_until_empty(bool on) override;
+    void discard_pages() override;
+    int page_count() override;
+    void select_page(int page) override;
+    void append_page(int page) override;
+    void write_pdf(const QString& path) override;
+
+protected:
+    /// When the progress window comes up, in milliseconds.
+    static constexpr int kShowAfter = 200;
+    static constexpr int kAtOnce = 0;
+
+    /// Part of an operation: runs elsewhere and fails with what it throws.
+    using Work = std::function<void(ScanControl& operation)>;
+    using Start = std::function<void(std::shared_ptr<ScanControl> operation)>;
+
+    explicit BackgroundScanner(std::shared_ptr<ScannerThread> thread);
+
+    /// Starts an operation and follows it under the progress window. Returns false when it was
+    /// cancelled; throws what it failed with, or that the scanner does not answer. What start
+    /// sets going must end in carry_out.
+    bool follow(ScanControl::Phase phase, QWidget* parent, int show_after, const Start& start,
+                std::function<void()> nudge = {});
+    /// The same with work that the thread does.
+    bool run(ScanControl::Phase phase, QWidget* parent, int show_after, Work work);
+    /// Does the work and ends the operation, failed when the work throws.
+    static void carry_out(ScanControl& operation, const std::function<void()>& work);
+    /// Throws when an operation that the user left behind still hangs.
+    void refuse_while_hanging() const;
+
+    const ScanWishes& wishes() const { return wishes_; }
+    /// The name that progress and failures show.
+    void set_name(const QString& name) { name_ = name; }
+    const QString& name() const { return name_; }
+    void keep(std::shared_ptr<PageSpool> pages) { pages_ = std::move(pages); }
+
+private:
+    /// The operation was left while the scanner did not answer.
+    virtual void left_behind() = 0;
+    ScanProgress& progress(QWidget* parent);
+
+    std::shared_ptr<ScannerThread> thread_;
+    QString name_;
+    ScanWishes wishes_;
+    QPointer<ScanProgress> progress_;
+    std::shared_ptr<PageSpool> pages_;
+    std::vector<int> chosen_;
+};
+
+} // namespace folidex
