@@ -142,7 +142,8 @@ void JpegReader::read() {
 
 } // namespace
 
-EncodedPage jpeg_page(const QByteArray& jpeg, double x_resolution, double y_resolution) {
+EncodedPage jpeg_page(const QByteArray& jpeg, double x_resolution, double y_resolution,
+                      double otherwise) {
     JpegReader reader(jpeg);
     reader.read();
     EncodedPage page;
@@ -150,8 +151,13 @@ EncodedPage jpeg_page(const QByteArray& jpeg, double x_resolution, double y_reso
     page.type = reader.components == 1 ? PixelType::kGray : PixelType::kRgb;
     page.width = reader.width;
     page.height = reader.height;
-    page.x_resolution = x_resolution == 0 ? reader.x_resolution : x_resolution;
-    page.y_resolution = y_resolution == 0 ? reader.y_resolution : y_resolution;
+    const auto first_known = [otherwise](double told, double pictured) {
+        if (told != 0)
+            return told;
+        return pictured != 0 ? pictured : otherwise;
+    };
+    page.x_resolution = first_known(x_resolution, reader.x_resolution);
+    page.y_resolution = first_known(y_resolution, reader.y_resolution);
     if (!is_resolution(page.x_resolution) || !is_resolution(page.y_resolution))
         refuse(QStringLiteral("its resolution is %1 by %2 pixels an inch.")
                    .arg(page.x_resolution)

@@ -39,9 +39,11 @@ private:
 };
 
 /// A page that the source delivered as a JPEG, kept byte for byte. A resolution of 0 is taken
-/// from the picture itself. Throws Error when it is no whole baseline or progressive JPEG of 1 or
-/// 3 components, or when its resolution is nowhere to be had.
-EncodedPage jpeg_page(const QByteArray& jpeg, double x_resolution, double y_resolution);
+/// from the picture itself; one that has none is taken for `otherwise`. Throws Error when it is no
+/// whole baseline or progressive JPEG of 1 or 3 components, or when its resolution is nowhere to
+/// be had.
+EncodedPage jpeg_page(const QByteArray& jpeg, double x_resolution, double y_resolution,
+                      double otherwise = 0);
 
 /// Whether a number of pixels an inch can be one.
 bool is_resolution(double resolution);

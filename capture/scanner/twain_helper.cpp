@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "capture/scanner/twain_helper.h"
+
+#include "capture/scanner/twain_leash.h"
+#include "capture/scanner/twain_words.h"
+
+#include <QElapsedTimer>
+#include <mutex>
+
+namespace folidex {
+
+namespace {
+
+constexpr int kLook = 20;
+constexpr int kByteWritten = 200;
+
+/// A process that starts inherits what another one, starting at the same time, is to inherit; it
+/// would hold the other's pipes open.
+std::mutex& one_start_at_a_time() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+} // namespace
+
+TwainHelper::TwainHelper(QString scanner) : scanner_(std::move(scanner)), reader_(scanner_) {
+    // Drivers print; only what the helper itself sends is listened to.
+    process_.setStandardErrorFile(QProcess::nullDevice());
+}
+
+void TwainHelper::start(const TwainProgram& program, const QStringList& task) {
+    const std::lock_guard lock(one_start_at_a_time());
+    process_.start(program.path, program.arguments + task, QIODevice::ReadWrite);
+    if (!process_.waitForStarted())
+        throw twain_program_error(scanner_, program.path, process_.errorString());
+    put_on_leash(process_.processId());
+}
+
+std::optional<TwainFrame> TwainHelper::next(Time patience) {
+    if (auto frame = reader_.next())
+        return frame;
+    process_.waitForReadyRead(static_cast<int>(patience.count()));
+    reader_.add(process_.readAllStandardOutput());
+    return reader_.next();
+}
+
+void TwainHelper::take_in() {
+    process_.waitForReadyRead(0);
+}
+
+void TwainHelper::send(twain::Command command) {
+    if (!running())
+        return;
+    process_.putChar(static_cast<char>(command));
+    process_.waitForBytesWritten(kByteWritten);
+}
+
+void TwainHelper::release(Time patience, const std::function<bool()>& hurry) {
+    if (running())
+        process_.closeWriteChannel();
+    QElapsedTimer clock;
+    clock.start();
+    while (running() && !clock.hasExpired(patience.count()) && !hurry()) {
+        process_.waitForFinished(kLook);
+        process_.readAllStandardOutput();
+    }
+    kill();
+}
+
+void TwainHelper::kill() {
+    if (!running())
+        return;
+    process_.kill();
+    process_.waitForFinished();
+}
+
+} // namespace folidex

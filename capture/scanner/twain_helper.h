@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "capture/scanner/twain_frame_reader.h"
+
+#include <QProcess>
+#include <QStringList>
+#include <chrono>
+#include <functional>
+
+namespace folidex {
+
+/// A helper program and what stands before its task on the command line.
+struct TwainProgram {
+    QString path;
+    QStringList arguments;
+};
+
+/// The process of one helper: the frames that it sends, the commands that it is given, its end.
+/// Made, used and destroyed on one thread, which needs no event loop; a helper that still runs
+/// when this goes is killed.
+class TwainHelper {
+public:
+    using Time = std::chrono::milliseconds;
+
+    explicit TwainHelper(QString scanner);
+
+    /// Throws Error when the program cannot be started.
+    void start(const TwainProgram& program, const QStringList& task);
+    /// The next frame; waits for it no longer than this.
+    std::optional<TwainFrame> next(Time patience);
+    /// Takes in what it sends, for next(); for a while in which nobody asks for frames.
+    void take_in();
+    void send(twain::Command command);
+    /// Whether the process runs; it may have left frames behind.
+    bool running() const { return process_.state() != QProcess::NotRunning; }
+    std::uint32_t exit_code() const { return static_cast<std::uint32_t>(process_.exitCode()); }
+
+    /// Tells it that nobody listens any more and kills it when it has not ended in time, or as
+    /// soon as hurry says so.
+    void release(Time patience, const std::function<bool()>& hurry);
+    void kill();
+
+private:
+    QString scanner_;
+    QProcess process_;
+    TwainFrameReader reader_;
+};
+
+} // namespace folidex

@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "capture/scanner/twain_helper.h"
+
+namespace folidex {
+
+/// The helper programs, one a word size of drivers, and how long they are waited for.
+struct TwainSettings {
+    using Time = std::chrono::milliseconds;
+
+    TwainProgram program64;
+    TwainProgram program32;
+    Time first_answer{900}; ///< the capture form waits for its first list of sources
+    Time list{10'000};      ///< a list that has not come by then never will
+    Time silence{5'000};    ///< without a sign of life before the user is told
+    Time cancel{1'200};     ///< between Cancel and the end by force
+    Time release{3'000};    ///< for a driver to put its scanner away
+
+    const TwainProgram& program(int bits) const { return bits == 64 ? program64 : program32; }
+};
+
+} // namespace folidex

@@ -1,0 +1,298 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+// A scanning helper without a scanner: it plays a script, line by line (scripted_twain.h).
+
+#include "capture/scanner/twain/frames.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
+
+using namespace folidex::twain;
+
+namespace {
+
+constexpr std::chrono::milliseconds kLook{5};
+/// A helper that hangs is killed by whoever tests that; should that fail, it goes by itself.
+constexpr std::chrono::seconds kLongestHang{60};
+constexpr char kInputEnded = '\0';
+
+std::filesystem::path g_folder;
+std::mutex g_mutex;
+std::deque<char> g_commands;
+bool g_deaf = false;
+
+std::uint32_t g_pages = 0;
+std::uint32_t g_rows = 0;
+PageHeader g_page{};
+
+void note(const std::string& line) {
+    const std::lock_guard lock(g_mutex);
+    std::ofstream(g_folder / "log", std::ios::app) << line << '\n' << std::flush;
+}
+
+void write(const void* bytes, std::size_t size) {
+    std::fwrite(bytes, 1, size, stdout);
+    std::fflush(stdout);
+}
+
+void frame(Kind kind, const std::vector<char>& payload = {}) {
+    const Frame head{kind, {0, 0, 0}, static_cast<std::uint32_t>(payload.size())};
+    std::vector<char> bytes(sizeof head + payload.size());
+    std::memcpy(bytes.data(), &head, sizeof head);
+    std::copy(payload.begin(), payload.end(), bytes.begin() + sizeof head);
+    write(bytes.data(), bytes.size());
+}
+
+template <class T> void frame(Kind kind, const T& payload) {
+    std::vector<char> bytes(sizeof payload);
+    std::memcpy(bytes.data(), &payload, sizeof payload);
+    frame(kind, bytes);
+}
+
+[[noreturn]] void leave(int code) {
+    note("left with " + std::to_string(code));
+    std::_Exit(code);
+}
+
+void done(Outcome outcome, Step step = Step::kNone, std::uint16_t return_code = 0,
+          std::uint16_t condition_code = 0, std::uint32_t detail = 0) {
+    frame(Kind::kDone, Ending{outcome, step, return_code, condition_code, 0, g_pages, detail});
+}
+
+void read_commands() {
+    for (;;) {
+        const int got = std::getchar();
+        const char command = got == EOF ? kInputEnded : static_cast<char>(got);
+        note(got == EOF ? "input ended" : std::string("command ") + command);
+        {
+            const std::lock_guard lock(g_mutex);
+            g_commands.push_back(command);
+        }
+        if (got == EOF)
+            return;
+    }
+}
+
+/// The next command, if there is one. Being cancelled ends a helper that is not deaf.
+char command() {
+    char next = ' ';
+    {
+        const std::lock_guard lock(g_mutex);
+        if (g_deaf || g_commands.empty())
+            return ' ';
+        next = g_commands.front();
+        g_commands.pop_front();
+    }
+    if (next == kInputEnded || next == static_cast<char>(Command::kClose))
+        leave(0);
+    if (next == static_cast<char>(Command::kCancel)) {
+        done(Outcome::kCancelled);
+        leave(0);
+    }
+    return next;
+}
+
+char wait_for_command() {
+    for (;;) {
+        const char next = command();
+        if (next != ' ')
+            return next;
+        std::this_thread::sleep_for(kLook);
+    }
+}
+
+/// Waits for a gate that the test opens, with a sign of life at every look when alive.
+void wait_for_gate(const std::string& name, bool alive) {
+    note("at " + name);
+    while (!std::filesystem::exists(g_folder / name)) {
+        if (alive)
+            frame(Kind::kAlive);
+        command();
+        std::this_thread::sleep_for(kLook);
+    }
+}
+
+void hang() {
+    g_deaf = true;
+    note("hangs");
+    std::this_thread::sleep_for(kLongestHang);
+    leave(9);
+}
+
+PageKind kind_of(const std::string& word) {
+    if (word == "bilevel")
+        return PageKind::kBilevel;
+    if (word == "gray")
+        return PageKind::kGray;
+    if (word == "rgb")
+        return PageKind::kRgb;
+    if (word == "jpeg")
+        return PageKind::kJpeg;
+    return static_cast<PageKind>(std::stoi(word));
+}
+
+void begin_page(std::istringstream& words) {
+    std::string kind;
+    g_page = {};
+    g_rows = 0;
+    words >> kind >> g_page.width >> g_page.height >> g_page.x_resolution >> g_page.y_resolution;
+    g_page.kind = kind_of(kind);
+    frame(Kind::kPage, g_page);
+}
+
+void send_rows(std::uint32_t count) {
+    const auto width = static_cast<std::size_t>(g_page.width);
+    const std::size_t row = g_page.kind == PageKind::kBilevel ? (width + 7) / 8
+                            : g_page.kind == PageKind::kRgb   ? width * 3
+                                                              : width;
+    for (std::uint32_t k = 0; k < count; ++k)
+        frame(Kind::kRows, std::vector<char>(row, static_cast<char>(16 * (g_pages + 1))));
+    g_rows += count;
+}
+
+void send_file(const std::string& name) {
+    std::ifstream file(g_folder / name, std::ios::binary);
+    std::vector<char> part(700);
+    while (file.read(part.data(), static_cast<std::streamsize>(part.size())), file.gcount() > 0)
+        frame(Kind::kRows, std::vector<char>(part.begin(), part.begin() + file.gcount()));
+}
+
+void send_raw(std::istringstream& words) {
+    std::vector<char> bytes;
+    for (std::string byte; words >> byte;)
+        bytes.push_back(static_cast<char>(std::stoi(byte, nullptr, 16)));
+    write(bytes.data(), bytes.size());
+}
+
+void send_source(std::istringstream& words) {
+    SourceEntry entry{};
+    std::string name;
+    words >> entry.index >> std::ws;
+    std::getline(words, name);
+    std::vector<char> payload(sizeof entry);
+    std::memcpy(payload.data(), &entry, sizeof entry);
+    payload.insert(payload.end(), name.begin(), name.end());
+    frame(Kind::kSource, payload);
+}
+
+void end_page(std::istringstream& words) {
+    std::uint32_t rows = g_rows;
+    words >> rows;
+    frame(Kind::kPageEnd, PageEnd{rows});
+    ++g_pages;
+}
+
+void trouble(std::istringstream& words) {
+    Ending ending{};
+    words >> ending.return_code >> ending.condition_code;
+    ending.outcome = Outcome::kFailed;
+    ending.step = Step::kTransfer;
+    ending.pages = g_pages;
+    frame(Kind::kTrouble, ending);
+    if (wait_for_command() == static_cast<char>(Command::kKeep)) {
+        done(Outcome::kGood);
+        leave(0);
+    }
+}
+
+void finish(std::istringstream& words) {
+    int outcome = 0;
+    int step = 0;
+    std::uint16_t return_code = 0;
+    std::uint16_t condition_code = 0;
+    std::uint32_t detail = 0;
+    words >> outcome >> step >> return_code >> condition_code >> detail;
+    done(static_cast<Outcome>(outcome), static_cast<Step>(step), return_code, condition_code,
+         detail);
+}
+
+void play(const std::string& line) {
+    std::istringstream words(line);
+    std::string what;
+    words >> what;
+    std::string name;
+    std::uint32_t number = 0;
+    if (what == "source")
+        send_source(words);
+    else if (what == "opened")
+        frame(Kind::kOpened);
+    else if (what == "await")
+        wait_for_command();
+    else if (what == "window")
+        frame(Kind::kWindow);
+    else if (what == "page")
+        begin_page(words);
+    else if (what == "rows" && words >> number)
+        send_rows(number);
+    else if (what == "file" && words >> name)
+        send_file(name);
+    else if (what == "end")
+        end_page(words);
+    else if (what == "drop")
+        frame(Kind::kPageDrop);
+    else if (what == "trouble")
+        trouble(words);
+    else if (what == "pages")
+        words >> g_pages;
+    else if (what == "done")
+        finish(words);
+    else if (what == "gate" && words >> name)
+        wait_for_gate(name, false);
+    else if (what == "alive" && words >> name)
+        wait_for_gate(name, true);
+    else if (what == "raw")
+        send_raw(words);
+    else if (what == "deaf")
+        g_deaf = true;
+    else if (what == "hang")
+        hang();
+    else if (what == "exit" && words >> number)
+        leave(static_cast<int>(number));
+    else
+        leave(99);
+}
+
+} // namespace
+
+/// scripted_helper FOLDER BITS list|scan ...
+int main(int argc, char** argv) {
+    if (argc < 4)
+        return 98;
+#ifdef _WIN32
+    _setmode(_fileno(stdin), _O_BINARY);
+    _setmode(_fileno(stdout), _O_BINARY);
+#endif
+    g_folder = argv[1];
+    const std::string task = std::string(argv[3]) + argv[2];
+    std::string call = task;
+    for (int k = 4; k < argc; ++k)
+        call += std::string(" ") + argv[k];
+    note(call);
+    std::thread(read_commands).detach();
+    std::ifstream script(g_folder / task);
+    if (!script) {
+        done(Outcome::kNoManager);
+        leave(0);
+    }
+    for (std::string line; std::getline(script, line);) {
+        play(line);
+        command();
+    }
+    leave(0);
+}

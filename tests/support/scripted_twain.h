@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "capture/scanner/twain_settings.h"
+
+#include <QTemporaryDir>
+
+namespace folidex::test {
+
+/// Scanning helpers that play scripts. A word size without a script has no source manager; a
+/// script is a list of lines:
+///     source INDEX NAME · opened · await (a command) · window · page KIND WIDTH HEIGHT DPI DPI ·
+///     rows COUNT · file NAME (the bytes of a JPEG) · end [ROWS] · drop · trouble CODE CODE (and
+///     the answer) · pages COUNT (of the endings) · done OUTCOME [STEP CODE CODE DETAIL] ·
+///     gate NAME (until the test opens it) · alive NAME (the same, with signs of life) · raw HEX
+///     BYTES · deaf (to commands) · hang · exit CODE
+/// Cancelled, or when its input ends, a helper that is not deaf ends as it should.
+class ScriptedTwain {
+public:
+    ScriptedTwain();
+
+    /// Settings with these helpers, for a session.
+    TwainSettings settings;
+
+    void list(int bits, const QStringList& script) const;
+    void scan(int bits, const QStringList& script) const;
+    /// The lines of a scan that delivers whole grey pages of these widths, each 50 rows.
+    static QStringList pages(const QList<int>& widths);
+
+    void put_file(const QString& name, const QByteArray& content) const;
+    void open_gate(const QString& name) const { put_file(name, {}); }
+    /// What the helpers were told and did: their command lines, "command a", "at GATE", "hangs",
+    /// "input ended", "left with 0".
+    QStringList log() const;
+    bool noted(const QString& line) const { return log().contains(line); }
+
+private:
+    QTemporaryDir folder_;
+};
+
+} // namespace folidex::test
