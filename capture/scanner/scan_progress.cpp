@@ -162,7 +162,11 @@ ScanProgress::Outcome ScanProgress::run(std::shared_ptr<ScanControl> operation, 
         }
     }
     timer_.stop();
-    shield->hide();
+    if (shield->isVisible()) {
+        shield->hide();
+        if (parentWidget())
+            parentWidget()->activateWindow();
+    }
     operation_.reset();
     nudge_ = {};
     return outcome_;
@@ -185,7 +189,6 @@ void ScanProgress::appear() {
     show();
     shield->hide();
     // From behind the source's window, which belongs to another process.
-    raise();
     activateWindow();
 }
 

@@ -222,8 +222,7 @@ Error twain_error(const QString& scanner, const twain::Ending& ending) {
     return error_of(what.number,
                     QStringLiteral("The scanner \"%1\" reports: %2.%3")
                         .arg(scanner, QString::fromLatin1(what.words), lost(ending.pages)),
-                    QString::fromLatin1(what.advice),
-                    codes_of(ending));
+                    QString::fromLatin1(what.advice), codes_of(ending));
 }
 
 Error twain_gone_error(const QString& scanner, int pages, std::uint32_t code) {

@@ -185,9 +185,9 @@ void send_source(std::istringstream& words) {
     std::string name;
     words >> entry.index >> std::ws;
     std::getline(words, name);
-    std::vector<char> payload(sizeof entry);
+    std::vector<char> payload(sizeof entry + name.size());
     std::memcpy(payload.data(), &entry, sizeof entry);
-    payload.insert(payload.end(), name.begin(), name.end());
+    name.copy(payload.data() + sizeof entry, name.size());
     frame(Kind::kSource, payload);
 }
 
@@ -205,6 +205,9 @@ void trouble(std::istringstream& words) {
     ending.step = Step::kTransfer;
     ending.pages = g_pages;
     frame(Kind::kTrouble, ending);
+    std::string and_then;
+    if (words >> and_then && and_then == "exit")
+        leave(3);
     if (wait_for_command() == static_cast<char>(Command::kKeep)) {
         done(Outcome::kGood);
         leave(0);

@@ -3,6 +3,7 @@
 
 #include "capture/scanner/sane_scanner.h"
 #include "common/error_trap.h"
+#include "tests/forms/capture/scan_hands.h"
 #include "tests/support/scripted_sane.h"
 
 #include <QApplication>
@@ -16,9 +17,12 @@
 namespace folidex {
 
 using test::failing_start;
+using test::failure;
 using test::gray_frame;
+using test::progress_window;
 using test::ScriptedDevice;
 using test::ScriptedSane;
+using test::wait_until;
 
 class SaneScannerTest : public QObject {
     Q_OBJECT
@@ -51,13 +55,10 @@ private Q_SLOTS:
 private:
     bool open(int source = 0);
     void scan();
-    QString failure(const std::function<void()>& action);
     /// Does something once the progress window is up and shows a control.
     void when_shown(const char* control, const std::function<void(QWidget&)>& action);
     /// Cancels once the scanner hangs.
     void cancel_when_hanging(const std::function<void()>& then = [] {});
-    static QWidget* window();
-    static void wait_until(const std::function<bool()>& condition);
 
     std::unique_ptr<ScriptedSane> sane_;
     std::unique_ptr<SaneScanner> scanner_;
@@ -101,37 +102,8 @@ void SaneScannerTest::scan() {
     }
 }
 
-QString SaneScannerTest::failure(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Error& error) {
-        return error.description;
-    }
-    return {};
-}
-
-QWidget* SaneScannerTest::window() {
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (widget->objectName() == QStringLiteral("ScanProgress") && widget->isVisible())
-            return widget;
-    return nullptr;
-}
-
-void SaneScannerTest::wait_until(const std::function<bool()>& condition) {
-    QVERIFY(QTest::qWaitFor(condition, 30000));
-}
-
 void SaneScannerTest::when_shown(const char* control, const std::function<void(QWidget&)>& action) {
-    later(this, 0, [this, control, action] {
-        const auto shown = [&] {
-            return window() ? window()->findChild<QWidget*>(QString::fromLatin1(control)) : nullptr;
-        };
-        wait_until([&] { return shown() && shown()->isVisible() && shown()->isEnabled(); });
-        if (shown())
-            action(*shown());
-        else
-            sane_->release();
-    });
+    test::when_shown(this, control, action, [this] { sane_->release(); });
 }
 
 void SaneScannerTest::cancel_when_hanging(const std::function<void()>& then) {
@@ -203,7 +175,7 @@ void SaneScannerTest::a_source_that_is_not_there_opens_to_nothing() {
     QFETCH(int, status);
     device_.open = static_cast<SANE_Status>(status);
     QVERIFY(!open(source));
-    QVERIFY(!window());
+    QVERIFY(!progress_window());
 }
 
 void SaneScannerTest::a_source_that_refuses_to_open_says_why_data() {
@@ -222,7 +194,7 @@ void SaneScannerTest::a_source_that_refuses_to_open_says_why() {
              qPrintable(words));
     QVERIFY(words.contains(QString::fromLatin1(sane_strstatus(device_.open))));
     QVERIFY(words.contains(QStringLiteral("\r\n\r\n")));
-    QVERIFY(!window());
+    QVERIFY(!progress_window());
 }
 
 void SaneScannerTest::a_slow_opening_shows_the_window_and_can_be_cancelled() {
@@ -230,7 +202,7 @@ void SaneScannerTest::a_slow_opening_shows_the_window_and_can_be_cancelled() {
     cancel_when_hanging([this] { sane_->release(); });
     QVERIFY(!open());
     QTRY_COMPARE(sane_->calls().last(), QStringLiteral("close"));
-    QTRY_VERIFY(!window());
+    QTRY_VERIFY(!progress_window());
 }
 
 void SaneScannerTest::both_sides_are_offered_before_a_source_is_chosen() {
@@ -300,7 +272,7 @@ void SaneScannerTest::cancelling_leaves_no_pages() {
     cancel_when_hanging([this] { sane_->release(); });
     scan();
     QCOMPARE(scanner_->page_count(), 0);
-    QTRY_VERIFY(!window());
+    QTRY_VERIFY(!progress_window());
 }
 
 void SaneScannerTest::a_scanner_that_wakes_up_at_cancel_leaves_no_pages() {
@@ -322,7 +294,7 @@ void SaneScannerTest::a_scanner_that_hangs_is_left_and_named() {
     const QString words = failure([this] { scan(); });
     QVERIFY2(clock.elapsed() < 5000, "the user was kept waiting");
     QVERIFY2(words.contains(QStringLiteral("\"Acme Scan\" does not answer")), qPrintable(words));
-    QVERIFY(!window());
+    QVERIFY(!progress_window());
     QCOMPARE(scanner_->page_count(), 0);
 
     const QString again = failure([this] { open(); });
@@ -343,7 +315,7 @@ void SaneScannerTest::a_failure_leaves_no_window_behind() {
     QVERIFY(open());
     const QString words = failure([this] { scan(); });
     QVERIFY(words.contains(QString::fromLatin1(sane_strstatus(SANE_STATUS_IO_ERROR))));
-    QVERIFY(!window());
+    QVERIFY(!progress_window());
     QCOMPARE(scanner_->page_count(), 0);
 }
 
@@ -399,7 +371,7 @@ void SaneScannerTest::a_pdf_that_cannot_be_written_names_the_path_and_leaves_the
     QVERIFY2(refused.contains(taken), qPrintable(refused));
     QVERIFY(QDir(taken).exists(QStringLiteral("inside")));
     QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size(), 1);
-    QVERIFY(!window());
+    QVERIFY(!progress_window());
     QCOMPARE(scanner_->page_count(), 1);
 }
 

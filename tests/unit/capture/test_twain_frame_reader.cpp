@@ -113,8 +113,7 @@ void TwainFrameReaderTest::what_begins_no_frame_is_refused_by_the_scanners_name_
     QTest::newRow("rows that are too long") << head_of(Kind::kRows, twain::kLongestPayload + 1);
     QTest::newRow("rows of 4 GB") << head_of(Kind::kRows, 0xffffffffu);
     QTest::newRow("no rows") << head_of(Kind::kRows, 0);
-    QTest::newRow("a name that is too long")
-        << head_of(Kind::kSource, twain::kLongestPayload + 1);
+    QTest::newRow("a name that is too long") << head_of(Kind::kSource, twain::kLongestPayload + 1);
     QTest::newRow("a source without an index") << head_of(Kind::kSource, 3);
     QTest::newRow("a sign of life with a payload") << head_of(Kind::kAlive, 1);
     QTest::newRow("a page of another shape") << head_of(Kind::kPage, 27);

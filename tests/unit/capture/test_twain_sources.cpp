@@ -76,18 +76,18 @@ bool TwainSourcesTest::wait_for_the_end() {
 void TwainSourcesTest::both_lists_stand_one_behind_the_other() {
     twain_->list(64, {u"source 0 Desk"_s, u"source 1 Copier"_s, u"done 0"_s});
     twain_->list(32, {u"source 0 Old desk"_s, u"source 1 Old copier"_s, u"done 0"_s});
-    QCOMPARE(search(),
-             QStringList({u"64/0 Desk"_s, u"64/1 Copier"_s, u"32/0 Old desk"_s, u"32/1 Old copier"_s}));
+    QCOMPARE(search(), QStringList({u"64/0 Desk"_s, u"64/1 Copier"_s, u"32/0 Old desk"_s,
+                                    u"32/1 Old copier"_s}));
 }
 
 void TwainSourcesTest::names_are_kept_as_the_manager_lists_them() {
     twain_->list(64, {u"source 0 WIA-Büro   Gerät (2)"_s, u"source 7 Twin"_s, u"alive gone"_s});
     twain_->list(32, {u"source 3 Twin"_s, u"source 4 Twin"_s, u"done 0"_s});
     twain_->open_gate(u"gone"_s);
-    twain_->list(64, {u"source 0 WIA-Büro   Gerät (2)"_s, u"alive gone"_s, u"source 7 Twin"_s,
-                      u"done 0"_s});
-    QCOMPARE(search(), QStringList({u"64/0 WIA-Büro   Gerät (2)"_s, u"64/7 Twin"_s,
-                                    u"32/3 Twin"_s, u"32/4 Twin"_s}));
+    twain_->list(
+        64, {u"source 0 WIA-Büro   Gerät (2)"_s, u"alive gone"_s, u"source 7 Twin"_s, u"done 0"_s});
+    QCOMPARE(search(), QStringList({u"64/0 WIA-Büro   Gerät (2)"_s, u"64/7 Twin"_s, u"32/3 Twin"_s,
+                                    u"32/4 Twin"_s}));
 }
 
 void TwainSourcesTest::the_32_bit_list_is_held_back_until_the_other_has_ended() {
@@ -202,8 +202,8 @@ void TwainSourcesTest::sources_are_added_at_the_end_data() {
     QTest::addColumn<QStringList>("after");
     const QStringList two{u"A"_s, u"B"_s};
     QTest::newRow("nothing new") << two << two << QStringList{u"0 A"_s, u"1 B"_s};
-    QTest::newRow("a new one in front") << two << QStringList{u"N"_s, u"A"_s, u"B"_s}
-                                        << QStringList{u"1 A"_s, u"2 B"_s, u"0 N"_s};
+    QTest::newRow("a new one in front")
+        << two << QStringList{u"N"_s, u"A"_s, u"B"_s} << QStringList{u"1 A"_s, u"2 B"_s, u"0 N"_s};
     QTest::newRow("one that went") << two << QStringList{u"B"_s} << QStringList{u"0 A"_s, u"0 B"_s};
     QTest::newRow("a twin") << two << QStringList{u"A"_s, u"A"_s}
                             << QStringList{u"0 A"_s, u"1 B"_s, u"1 A"_s};

@@ -121,8 +121,9 @@ void TwainWordsTest::every_condition_has_words() {
              qPrintable(words));
     QVERIFY2(has_the_three_parts(words), qPrintable(words));
     QVERIFY2(words.section(QStringLiteral("\r\n"), 0, 0).contains(word), qPrintable(words));
-    QVERIFY2(words.endsWith(QStringLiteral("(TWAIN codes 1 and %1, while scanning a page)").arg(code)),
-             qPrintable(words));
+    QVERIFY2(
+        words.endsWith(QStringLiteral("(TWAIN codes 1 and %1, while scanning a page)").arg(code)),
+        qPrintable(words));
     const QString short_words = twain_words(kFailure, static_cast<std::uint16_t>(code));
     QVERIFY2(words.contains(short_words), qPrintable(short_words));
     QVERIFY(!short_words.endsWith(u'.'));
@@ -169,8 +170,7 @@ void TwainWordsTest::codes_that_nobody_knows_still_have_words() {
                                           static_cast<std::uint16_t>(condition_code)));
     QVERIFY2(has_the_three_parts(words), qPrintable(words));
     QVERIFY2(words.contains(word), qPrintable(words));
-    QVERIFY2(words.contains(
-                 QStringLiteral("codes %1 and %2").arg(return_code).arg(condition_code)),
+    QVERIFY2(words.contains(QStringLiteral("codes %1 and %2").arg(return_code).arg(condition_code)),
              qPrintable(words));
 }
 

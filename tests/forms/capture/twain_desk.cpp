@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tests/forms/capture/twain_desk.h"
+
+#include <QFile>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace folidex::test {
+
+TwainDesk::TwainDesk() {
+    twain.list(64, {u"source 0 Front desk"_s, u"source 1 Archive"_s, u"done 0"_s});
+    twain.list(32, {u"source 0 Old copier"_s, u"done 0"_s});
+    set_scanner_factory([this] { return std::make_unique<TwainScanner>(session()); });
+}
+
+TwainDesk::~TwainDesk() {
+    form.reset();
+}
+
+const std::shared_ptr<TwainSession>& TwainDesk::session() {
+    if (!session_)
+        session_ = std::make_shared<TwainSession>(twain.settings);
+    return session_;
+}
+
+void TwainDesk::open_listed(int link) {
+    open(link);
+    wait_until([this] { return !session()->sources().searching(); });
+}
+
+void TwainDesk::scan_with(const QStringList& script) {
+    twain.scan(64, script);
+    scan();
+}
+
+void TwainDesk::press_when_shown(const char* button) {
+    when_shown(
+        form.get(), button, [](QWidget& shown) { QTest::mouseClick(&shown, Qt::LeftButton); },
+        [this] { twain.open_gate(u"never"_s); });
+}
+
+void TwainDesk::meanwhile(const std::function<void()>& action) {
+    later(form.get(), 0, action);
+}
+
+void TwainDesk::expect_box(const QString& part) {
+    boxes.expect_containing(part, kOkOnly, QString::fromLatin1(kDefaultBoxTitle));
+}
+
+QByteArray TwainDesk::scanned_pdf() const {
+    QFile file(temporary_scan());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QList<int> TwainDesk::scanned_widths() const {
+    static const QRegularExpression width(u"/Subtype /Image /Width (\\d+)"_s);
+    QList<int> widths;
+    const QString pdf = QString::fromLatin1(scanned_pdf());
+    for (auto found = width.globalMatch(pdf); found.hasNext();)
+        widths.append(found.next().captured(1).toInt());
+    return widths;
+}
+
+} // namespace folidex::test

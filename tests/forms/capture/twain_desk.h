@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: The Folidex authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "capture/scanner/twain_scanner.h"
+#include "tests/forms/capture/capture_desk.h"
+#include "tests/forms/capture/scan_hands.h"
+#include "tests/support/scripted_twain.h"
+
+namespace folidex::test {
+
+/// A clerk at the capture form whose scanners are TWAIN sources: the 64-bit "Front desk" and
+/// "Archive", the 32-bit "Old copier", behind helpers that play scripts.
+class TwainDesk : public CaptureDesk {
+public:
+    TwainDesk();
+    ~TwainDesk();
+
+    ScriptedTwain twain;
+
+    /// The session of all forms of this desk; settings count until it is first asked for.
+    const std::shared_ptr<TwainSession>& session();
+    /// Opens the form and waits until all sources are listed.
+    void open_listed(int link = -1);
+    /// Has a script played by the front desk's helper, and scans with it.
+    void scan_with(const QStringList& script);
+    /// Presses a button of the progress window once it can be; wakes the helper up when it never
+    /// can.
+    void press_when_shown(const char* button);
+    /// Does something while the scan is under way.
+    void meanwhile(const std::function<void()>& action);
+    /// Lets a box come that holds a text: plain, with OK alone and the program's name.
+    void expect_box(const QString& part);
+
+    QString scan_label() const { return control<QLabel>("lblScan")->text(); }
+    /// Widths of the pages in the temporary scan, in their order; none without a scan.
+    QList<int> scanned_widths() const;
+    QByteArray scanned_pdf() const;
+
+private:
+    std::shared_ptr<TwainSession> session_;
+};
+
+} // namespace folidex::test
