@@ -138,6 +138,13 @@ class CheckSource(unittest.TestCase):
         self.write("data/a.h", "int a;\n", head=HEAD.splitlines()[0] + "\n")
         self.assert_found("data/a.h", "SPDX-License-Identifier: Apache-2.0", 1)
 
+    def test_an_installer_script_or_shared_shell_code_without_licence_is_found(self):
+        for name in ("packaging/windows/a.nsi", "packaging/windows/a.nsh", "tools/a.bash"):
+            self.write(name, "Name a\n", head="")
+            code, output = self.check()
+            self.assertEqual(code, 1, name)
+            self.assertIn(f"{name}:1: ", output)
+
     def test_a_script_without_licence_is_found(self):
         self.write("tools/a", "#!/bin/bash\nset -euo pipefail\n", head="")
         code, output = self.check()
