@@ -3,46 +3,28 @@
 """What the end-to-end tests share: a station a test, with the program of this build."""
 
 import contextlib
-import functools
 import os
 import pathlib
 import re
 import shutil
-import sqlite3
 import sys
-import unittest
-import xml.etree.ElementTree
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
 
 from driver import Robot, Station  # noqa: E402
+from driver.case import PREFERENCES, DriverCase, main  # noqa: E402, F401
 from driver.clerk import Clerk  # noqa: E402
 
 PROGRAM = pathlib.Path(os.environ.get("FOLIDEX_PROGRAM", "build/dev/app/folidex")).resolve()
 PICTURES = pathlib.Path(os.environ.get("FOLIDEX_PICTURES", "build/e2e-failures")).resolve()
 # What a sanitizer writes when it finds something.
 SANITIZER = re.compile(r"runtime error:|ERROR: \w*Sanitizer")
-PREFERENCES = "<folidex>{}</folidex>"
 
 
-def with_evidence(test):
-    """A test that fails leaves a picture of its screen."""
-    @functools.wraps(test)
-    def run(self):
-        with self.robot.evidence(self.id()):
-            test(self)
-    return run
-
-
-class StationCase(unittest.TestCase):
+class StationCase(DriverCase):
     """A test's own station; page_delay makes the scanner as slow as a real one."""
 
     page_delay = False
-
-    def __init_subclass__(cls):
-        for name, member in list(vars(cls).items()):
-            if name.startswith("test_"):
-                setattr(cls, name, with_evidence(member))
 
     def setUp(self):
         self.assertTrue(PROGRAM.is_file(), f"there is no program at {PROGRAM}")
@@ -57,56 +39,3 @@ class StationCase(unittest.TestCase):
     def check_program_log(self):
         with contextlib.suppress(FileNotFoundError):
             self.assertNotRegex(self.station.program_log(), SANITIZER)
-
-    # -- what lies on disk
-
-    def given_preferences(self, **elements):
-        """Writes the preferences file as an earlier run would have left it."""
-        self.station.app_folder.mkdir(parents=True, exist_ok=True)
-        self.station.preferences_file.write_text(PREFERENCES.format("".join(
-            f"<{key}>{text}</{key}>" for key, text in elements.items())))
-
-    def given_data_folder(self, change=None):
-        """A data folder made by an earlier run; change is SQL for its database."""
-        self.data.mkdir(parents=True)
-        shutil.copy(PROGRAM.parent / "dbm.mdb", self.data / "db.mdb")
-        if change:
-            self.change_database(change)
-        self.given_preferences(dblocation=self.data)
-
-    def change_database(self, script):
-        """Changes the shared database as another program might."""
-        with contextlib.closing(sqlite3.connect(self.data / "db.mdb")) as database:
-            database.executescript(script)
-
-    def preferences(self):
-        """The root element of the preferences file."""
-        return xml.etree.ElementTree.parse(self.station.preferences_file).getroot()
-
-    def rows(self, statement):
-        with contextlib.closing(sqlite3.connect(self.data / "db.mdb")) as database:
-            return database.execute(statement).fetchall()
-
-    @property
-    def temporary_scan(self):
-        return self.station.app_folder / "current_scan.pdf"
-
-    # -- what the windows say
-
-    def read_box(self, title, button="OK"):
-        """Waits for a message box, answers it, and returns its text on one line."""
-        box, text = self.robot.message(title)
-        self.robot.answer(box, button)
-        return re.sub(r"\s+", " ", text).strip()
-
-    def open_program(self):
-        """Starts the program on the data folder at hand; the main window."""
-        self.robot.start()
-        return self.clerk.main_window()
-
-    def end_program(self, main):
-        self.assertEqual(self.clerk.close_main(main), 0)
-
-
-def main():
-    unittest.main(verbosity=2)

@@ -50,6 +50,10 @@ class Station(Stack):
     def program_folder(self):
         return pathlib.Path(self.program).parent
 
+    def as_told(self, path):
+        """A path of the disk as the program writes it."""
+        return str(path)
+
     def _make_folders(self):
         for name in ("data", "sane", "log", "home", "run", "cache"):
             (self.home / name).mkdir(parents=True, exist_ok=True)
