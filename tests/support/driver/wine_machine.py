@@ -23,11 +23,20 @@ def environment(prefix, home):
                    "WINEDEBUG": "fixme-all", "LANG": "C.UTF-8", "LC_ALL": "C.UTF-8"}
 
 
+def _share(original, copy):
+    try:
+        os.link(original, copy)
+    except OSError:
+        # They lie on different file systems.
+        shutil.copy2(original, copy)
+
+
 class Machine:
     """The machine in a folder of its own (wine's prefix)."""
 
     def __init__(self, prefix, home):
         self.prefix = pathlib.Path(prefix).resolve()
+        self.home = pathlib.Path(home)
         self.environment = environment(self.prefix, home)
 
     @property
@@ -43,7 +52,7 @@ class Machine:
 
     def copy_to(self, prefix):
         """Gives another folder the same machine; what is never changed they share."""
-        shutil.copytree(self.prefix, prefix, symlinks=True, copy_function=os.link)
+        shutil.copytree(self.prefix, prefix, symlinks=True, copy_function=_share)
         for original in self.prefix.glob(_REGISTRY):
             copy = pathlib.Path(prefix) / original.name
             copy.unlink()
@@ -62,14 +71,17 @@ class Machine:
                               f"{done.returncode}: {done.stdout.strip()}")
         return done.stdout
 
-    def set_registry(self, folder, values, file):
-        """Sets named texts and numbers of a registry folder; file is where the script is put."""
-        lines = [f'"{name}"=dword:{value:08x}' if isinstance(value, int)
-                 else '{}="{}"'.format(f'"{name}"' if name else "@",
-                                       value.replace("\\", "\\\\").replace('"', '\\"'))
-                 for name, value in values.items()]
-        file.write_text("\r\n".join(["Windows Registry Editor Version 5.00", "", f"[{folder}]",
-                                     *lines, ""]), encoding="utf-16")
+    def set_registry(self, folders, file):
+        """Sets named texts and numbers of registry folders; file is where the script is put."""
+        lines = ["Windows Registry Editor Version 5.00"]
+        for folder, values in folders.items():
+            lines += ["", f"[{folder}]"]
+            for name, value in values.items():
+                name = f'"{name}"' if name else "@"
+                text = str(value).replace("\\", "\\\\").replace('"', '\\"')
+                lines.append(f"{name}=dword:{value:08x}" if isinstance(value, int)
+                             else f'{name}="{text}"')
+        file.write_text("\r\n".join([*lines, ""]), encoding="utf-16")
         self.run("regedit", "/S", self.as_told(file))
 
     def install(self, setup):

@@ -5,7 +5,7 @@
 import pathlib
 
 from .plugin_tree import PluginBus
-from .stack import Stack, wait_until
+from .stack import Stack
 from .wine_machine import Machine
 
 PROGRAM = "Program Files/Folidex/folidex.exe"
@@ -73,8 +73,8 @@ class WineStation(Stack):
         }
         self.machine.environment = self.environment
         if self.scale != 1:
-            self.set_registry(r"HKEY_CURRENT_USER\Control Panel\Desktop",
-                              {"LogPixels": _DOTS_AN_INCH * self.scale})
+            self.set_registry({r"HKEY_CURRENT_USER\Control Panel\Desktop":
+                               {"LogPixels": _DOTS_AN_INCH * self.scale}})
 
     def _end_processes(self):
         self.machine.end()
@@ -82,15 +82,17 @@ class WineStation(Stack):
 
     # -- the machine
 
-    def set_registry(self, folder, values):
-        self.machine.set_registry(folder, values, self.home / "values.reg")
+    def set_registry(self, folders):
+        self.machine.set_registry(folders, self.home / "values.reg")
 
     def processes(self):
-        """The command lines of the machine's processes, as the system underneath sees them."""
+        """(number, command line) of the machine's processes, as the system underneath sees them."""
+        mark = f"WINEPREFIX={self.machine.prefix}\0".encode()
         for entry in pathlib.Path("/proc").glob("[0-9]*"):
             try:
-                if f"WINEPREFIX={self.machine.prefix}\0".encode() in (entry / "environ").read_bytes():
-                    yield (entry / "cmdline").read_bytes().decode(errors="replace").split("\0")[:-1]
+                if mark in (entry / "environ").read_bytes():
+                    words = (entry / "cmdline").read_bytes().decode(errors="replace")
+                    yield int(entry.name), words.split("\0")[:-1]
             except OSError:
                 continue
 
@@ -103,10 +105,3 @@ class WineStation(Stack):
             return self._start("program", self.machine.command(self.as_told(self.program)))
         finally:
             self.environment = saved
-
-    def wait_for_process(self, part):
-        """The command line of a process of the machine in which a text occurs."""
-        def look():
-            return next((line for line in self.processes()
-                         if any(part in word for word in line)), None)
-        return wait_until(look, f"a process with \"{part}\"")

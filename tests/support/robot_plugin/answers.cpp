@@ -91,10 +91,27 @@ QJsonObject table_size(QAccessibleInterface* widget, const QJsonObject&) {
     return {{u"size"_s, QJsonArray{table->rowCount(), table->columnCount()}}};
 }
 
+// A table learns of its model's changes only while an assistive program runs; until then it may
+// give cells of before.
+bool lies_at(QAccessibleInterface* cell, int row, int column) {
+    const QAccessibleTableCellInterface* place =
+        cell->isValid() ? cell->tableCellInterface() : nullptr;
+    return place && place->rowIndex() == row && place->columnIndex() == column;
+}
+
 QJsonObject table_cell(QAccessibleInterface* widget, const QJsonObject& question) {
     QAccessibleTableInterface* table = widget->tableInterface();
-    QAccessibleInterface* cell =
-        table ? table->cellAt(question[u"row"].toInt(), question[u"column"].toInt()) : nullptr;
+    if (!table)
+        return gone(u"no table"_s);
+    const int row = question[u"row"].toInt();
+    const int column = question[u"column"].toInt();
+    QAccessibleInterface* cell = table->cellAt(row, column);
+    if (cell && !lies_at(cell, row, column)) {
+        QAccessibleTableModelChangeEvent change(widget->object(),
+                                                QAccessibleTableModelChangeEvent::ModelReset);
+        table->modelChange(&change);
+        cell = table->cellAt(row, column);
+    }
     return cell ? facts(cell) : gone(u"no such cell"_s);
 }
 

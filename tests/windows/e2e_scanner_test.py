@@ -1,0 +1,88 @@
+#!/usr/bin/python3
+# SPDX-FileCopyrightText: The Folidex authors
+# SPDX-License-Identifier: Apache-2.0
+"""Trouble with scanners, as whoever sits before the capture form sees it."""
+
+import time
+
+import wine_case
+from driver.robot import BUTTON
+
+
+class Trouble(wine_case.WineCase):
+    def setUp(self):
+        super().setUp()
+        self.given_data_folder()
+
+    def open_capture(self):
+        self.main = self.open_program()
+        return self.clerk.new_scan(self.main)
+
+    def assert_unchanged(self, capture):
+        """The form is as it was before the scan."""
+        self.assertNotIn("enabled", self.robot.find(BUTTON, "View", capture).states)
+        self.assertIn("Scan", self.clerk.label_texts(capture))
+        self.assertFalse(self.temporary_scan.exists())
+
+    def finish(self, capture):
+        self.clerk.cancel_capture(capture)
+        self.end_program(self.main)
+
+    def test_a_crash_of_the_driver_is_told_and_the_next_scan_works(self):
+        self.scanners.connect(64, "Broken", "Flatbed", Broken={"crash": "transfer"})
+        capture = self.open_capture()
+        self.clerk.choose_scanner(capture, "Broken")
+        self.clerk.press_in_source("Broken", "Scan")
+        self.assertIn("Broken", self.read_box("Folidex"))
+        self.assert_unchanged(capture)
+        self.clerk.scan(capture, "Flatbed")
+        self.assertEqual(self.pdf_facts(self.temporary_scan)["Pages"], "1")
+        self.finish(capture)
+
+    def test_cancel_in_the_drivers_window_leaves_the_form_as_it_was(self):
+        self.scanners.connect(64, "Flatbed")
+        capture = self.open_capture()
+        self.clerk.choose_scanner(capture, "Flatbed")
+        self.clerk.press_in_source("Flatbed", "Cancel")
+        self.robot.wait(lambda: "Flatbed close" in self.scanners.log(64), "the source to close")
+        self.robot.wait(lambda: len(self.robot.windows()) == 2, "only the program's own windows")
+        self.clerk.take_up(capture)
+        self.assert_unchanged(capture)
+        self.clerk.scan(capture, "Flatbed")
+        self.finish(capture)
+
+    def test_a_manager_that_hangs_keeps_nobody_waiting(self):
+        self.scanners.connect(64, "Flatbed", manager={"hang": "load"})
+        self.main = self.open_program()
+        began = time.monotonic()
+        capture = self.clerk.new_scan(self.main)
+        self.assertLess(time.monotonic() - began, 3)
+        self.assertNotIn("enabled", self.robot.find(BUTTON, "Scan", capture).states)
+        self.finish(capture)
+
+    def test_a_machine_without_scanners_says_so(self):
+        capture = self.open_capture()
+        self.assertNotIn("enabled", self.robot.find(BUTTON, "Scan", capture).states)
+        self.assertTrue(any(text.startswith("No scanner found.")
+                            for text in self.clerk.label_texts(capture)))
+        self.finish(capture)
+
+    def test_a_source_that_does_not_open_leaves_the_form_without_a_word(self):
+        self.scanners.connect(64, "Switched off", "Flatbed", Switched_off={"fail": "open:23"})
+        capture = self.open_capture()
+        self.clerk.choose_scanner(capture, "Switched off")
+        self.robot.wait(lambda: "Switched off open" in self.scanners.log(64), "the attempt to open")
+        self.clerk.scan(capture, "Flatbed")
+        self.assertEqual(len(self.robot.windows()), 2)
+        self.finish(capture)
+
+    def test_wines_own_source_manager_finds_and_runs_a_driver(self):
+        self.scanners.connect_to_windows_own("Virtual flatbed", {"pages": "gray100@400x600"})
+        capture = self.open_capture()
+        self.assertEqual(self.clerk.scan(capture, "Virtual flatbed"), ["Virtual flatbed"])
+        self.assertEqual(self.pdf_facts(self.temporary_scan)["Pages"], "1")
+        self.finish(capture)
+
+
+if __name__ == "__main__":
+    wine_case.main()
