@@ -3,27 +3,20 @@
 # SPDX-License-Identifier: Apache-2.0
 """The installer and the portable archive, each test on a workstation of its own under wine.
 
-    FOLIDEX_SETUP   the installer (the newest in build/windows/); the archive and the folder
-                    folidex/ that it was made from lie beside it
+wine_case.py tells by which variables the installer is found; the archive and the folder folidex/
+that it was made from lie beside it.
 """
 
-import os
-import pathlib
 import re
 import shutil
 import struct
 import subprocess
-import sys
-import tempfile
 import unittest
 import zipfile
 
-TREE = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(TREE / "tests/support"))
-sys.dont_write_bytecode = True
-
-from driver.stack import Stack, wait_until  # noqa: E402
-from driver.wine_machine import Machine  # noqa: E402
+import wine_case
+from driver.stack import Stack, wait_until
+from driver.wine_machine import Machine
 
 KEY = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Folidex"
 DEFAULT = "Program Files/Folidex"
@@ -33,18 +26,7 @@ FIRST_WINDOW = "Tell folidex where your data folder is."
 LIST = "installed-files.txt"
 RUNNING, FAILED, TOO_OLD = 3, 2, 4
 
-
-def newest_setup():
-    if "FOLIDEX_SETUP" in os.environ:
-        return pathlib.Path(os.environ["FOLIDEX_SETUP"]).resolve()
-    found = sorted((TREE / "build/windows").glob("Folidex-*-setup.exe"),
-                   key=lambda path: path.stat().st_mtime)
-    if not found:
-        sys.exit("there is no installer in build/windows; ./build-windows makes it")
-    return found[-1]
-
-
-SETUP = newest_setup()
+SETUP = wine_case.setup()
 STAGE = SETUP.parent / "folidex"
 VERSION = SETUP.name.split("-")[1]
 
@@ -98,16 +80,8 @@ class Workstation(Stack):
 
 
 class Installer(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        folder = pathlib.Path(tempfile.mkdtemp(prefix="folidex-bare-"))
-        cls.addClassCleanup(shutil.rmtree, folder, ignore_errors=True)
-        cls.bare = Machine(folder / "machine", folder / "home")
-        (folder / "home").mkdir()
-        cls.bare.make()
-
     def setUp(self):
-        self.station = self.enterContext(Workstation(self.bare))
+        self.station = self.enterContext(Workstation(wine_case.bare_machine()))
         self.addCleanup(shutil.rmtree, self.station.home, ignore_errors=True)
         self.drive = self.station.drive
         self.folder = self.drive / DEFAULT
