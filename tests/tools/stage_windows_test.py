@@ -43,7 +43,7 @@ class StageWindows(unittest.TestCase):
         self.write("kit/qt/include/QtCore/qtcoreversion.h", '#define QTCORE_VERSION_STR "6.4.9"')
         self.write("kit/sqlite/include/sqlite3.h", '#define SQLITE_VERSION        "3.40.9"')
         self.write("kit/sqlite/copyright", "public domain")
-        for name in ("qt6-base-dev", "gcc-mingw-w64-base", "mingw-w64-common"):
+        for name in ("qt6-base-dev", "gcc-mingw-w64-base", "mingw-w64-common", "nsis"):
             self.write(f"documents/{name}/copyright", f"licence of {name}")
 
     def tool(self, name, text):
@@ -121,7 +121,7 @@ class StageWindows(unittest.TestCase):
         self.put_together()
         text = (self.stage / "licences/README.txt").read_text()
         for words in ("Qt 6.4.9 ", "SQLite 3.40.9 ", "GCC's run-time libraries", "MinGW-w64",
-                      "Fluent UI System Icons"):
+                      "NSIS", "Fluent UI System Icons"):
             self.assertIn(words, text)
         self.assertIn("licence of qt6-base-dev", (self.stage / "licences/Qt.txt").read_text())
 
