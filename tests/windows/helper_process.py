@@ -189,13 +189,17 @@ class Helper:
 
 
 class Desk:
-    """A folder with a helper, the virtual scanners beside it, and their script."""
+    """A folder with a helper, the virtual scanners beside it, and their script. Wine's own source
+    manager looks for its drivers elsewhere: drivers names that folder."""
 
-    def __init__(self, workstation, folder, program, library="TWAINDSM.dll", name="TWAINDSM.dll"):
+    def __init__(self, workstation, folder, program, library="TWAINDSM.dll", drivers=None):
         self.workstation = workstation
-        self.folder = pathlib.Path(folder)
-        self.program = self.folder / program.name
+        self.program = pathlib.Path(folder) / program.name
+        self.folder = drivers or self.program.parent
         shutil.copy(program, self.program)
+        name = library if drivers else "TWAINDSM.dll"
+        # What lies there may be shared with other machines.
+        (self.folder / name).unlink(missing_ok=True)
         shutil.copy(virtual(program, library), self.folder / name)
 
     def script(self, manager=None, **sources):

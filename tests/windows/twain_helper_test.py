@@ -6,13 +6,12 @@
 Both must have been built; helper_process.py tells where they are looked for.
 """
 
-import os
 import shutil
 import tempfile
-import time
 import unittest
 
 import helper_process as hp
+from driver.stack import wait_until
 
 WORKSTATION = hp.Workstation()
 JAM, DOUBLE_FEED, INTERLOCK, NO_MEDIA = 20, 21, 24, 29
@@ -23,8 +22,8 @@ def setUpModule():
     unittest.enterModuleContext(WORKSTATION)
 
 
-class HelperRoads:
-    """Every road through a helper; each word size makes a class of it."""
+class Scanning:
+    """A desk of one word size, and what is asked of a scan."""
 
     bits = None
 
@@ -32,10 +31,10 @@ class HelperRoads:
         self.program = hp.builds()[self.bits]
         self.desk = self.new_desk()
 
-    def new_desk(self, *libraries):
+    def new_desk(self, library="TWAINDSM.dll", drivers=None):
         folder = tempfile.mkdtemp(prefix="desk-")
         self.addCleanup(shutil.rmtree, folder)
-        return hp.Desk(WORKSTATION, folder, self.program, *libraries)
+        return hp.Desk(WORKSTATION, folder, self.program, library, drivers)
 
     def scan(self, **keys):
         """Lets the one virtual scanner play; returns the helper and how it ended."""
@@ -64,11 +63,18 @@ class HelperRoads:
         return [line.removeprefix("Virtual ") for line in self.desk.log()
                 if " set " not in line]
 
-    def assert_released(self, reached="endxfer"):
+    def assert_released(self):
         """The whole ladder down, each rung in its state."""
         steps = self.steps()
         self.assertEqual(steps[-3:], ["disable", "close", "manager close"], steps)
         self.assertFalse([line for line in steps if "out of order" in line], steps)
+
+    def wait_for_log(self, line):
+        wait_until(lambda: line in self.desk.log(), f"\"{line}\" in the log")
+
+
+class HelperRoads(Scanning):
+    """Every road through a helper, with a source manager of our own."""
 
     # Listing
 
@@ -105,7 +111,7 @@ class HelperRoads:
             self.assert_outcome(helper.done(), hp.FAILED, hp.OPEN_MANAGER, 9)
 
     def test_a_library_that_is_no_manager_is_passed_over(self):
-        # Wine's own manager comes next, and it has no drivers.
+        # Wine's own comes next.
         desk = self.new_desk("not-a-manager.dll")
         with desk.list() as helper:
             self.assert_outcome(helper.done(), hp.GOOD)
@@ -121,9 +127,7 @@ class HelperRoads:
         # The system takes it for a library that cannot be loaded; wine's own comes next.
         self.desk.script({"crash": "load"}, Virtual={})
         with self.desk.list() as helper:
-            kind, payload = helper.frame()
-            self.assertEqual(kind, "D")
-            self.assert_outcome(hp.Ending(payload), hp.GOOD)
+            self.assert_outcome(helper.done(), hp.GOOD)
 
     def test_a_manager_that_crashes_while_listing_is_told(self):
         self.desk.script({"crash": "list"}, Virtual={})
@@ -410,6 +414,36 @@ class HelperRoads:
             self.assert_outcome(helper.done(), hp.GOOD, pages=1)
         self.assertGreaterEqual(helper.alive - before, 2)
 
+    @staticmethod
+    def brings_up_its_window():
+        WORKSTATION.output("xdotool", "search", "--onlyvisible", "--name", "^Virtual$",
+                           "windowactivate", "--sync")
+        return "Virtual" in WORKSTATION.output("xdotool", "getactivewindow", "getwindowname")
+
+    def in_its_window(self, *keys):
+        """What the user presses in the source's own window."""
+        self.desk.script(Virtual={"pages": SMALL + "*2", "window": 1})
+        with self.desk.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            helper.until("W")
+            wait_until(self.brings_up_its_window, "the source's window")
+            WORKSTATION.run("xdotool", "key", *keys)
+            ending = helper.done()
+            self.assertEqual(helper.ended(), 0)
+        self.assertIn("enable with its window", self.steps())
+        self.assert_released()
+        return ending
+
+    def test_the_user_scans_in_the_sources_own_window(self):
+        self.assert_outcome(self.in_its_window("Return"), hp.GOOD, pages=2)
+
+    def test_the_user_cancels_in_the_sources_own_window(self):
+        self.assert_outcome(self.in_its_window("Escape"), hp.CANCELLED)
+
+    def test_the_user_closes_the_sources_own_window(self):
+        self.assert_outcome(self.in_its_window("alt+F4"), hp.CANCELLED)
+
     # Trouble
 
     def trouble(self, answer, **keys):
@@ -562,11 +596,74 @@ class HelperRoads:
         self.assert_outcome(ending, hp.GOOD, pages=2)
         self.assert_page(helper.pages[1], "rgb", 60, 40, 1)
 
-    def wait_for_log(self, line):
-        deadline = time.monotonic() + hp.DEADLINE
-        while line not in self.desk.log():
-            self.assertLess(time.monotonic(), deadline, self.desk.log())
-            os.sched_yield()
+
+class WinesManager(Scanning):
+    """The same with wine's source manager, which is as old as those of the first TWAIN: no
+    callbacks, no memory functions."""
+
+    def setUp(self):
+        drivers = WORKSTATION.machine.drive / f"windows/twain_{self.bits}"
+        (drivers / "gphoto2.ds").unlink(missing_ok=True)
+        self.program = hp.builds()[self.bits]
+        self.desk = self.new_desk("sane.ds", drivers)
+        self.addCleanup((drivers / "sane.ds").unlink)
+
+    def listed(self):
+        with self.desk.list() as helper:
+            names = []
+            while (frame := helper.frame())[0] == "S":
+                names.append(frame[1][4:].decode())
+            self.assert_outcome(hp.Ending(frame[1]), hp.GOOD)
+        return names
+
+    def assert_released(self):
+        steps = self.steps()
+        self.assertEqual(steps[-2:], ["disable", "close"], steps)
+        self.assertFalse([line for line in steps if "out of order" in line], steps)
+
+    def test_the_driver_is_listed(self):
+        self.desk.script(Virtual={})
+        self.assertEqual(self.listed(), ["Virtual"])
+
+    def test_pages_come_through_memory_and_as_bitmaps(self):
+        for transfers in ("memory", "native"):
+            with self.subTest(transfers=transfers):
+                helper, ending = self.scan(pages="rgb100@60x40,bw100@61x43,gray100@30x20",
+                                           transfers=transfers, protocol=1)
+                self.assert_outcome(ending, hp.GOOD, pages=3)
+                self.assert_page(helper.pages[0], "rgb", 60, 40, 0)
+                self.assert_page(helper.pages[1], "bw", 61, 43, 1)
+                self.assert_page(helper.pages[2], "gray", 30, 20, 2)
+                self.assert_released()
+
+    def test_the_source_is_cancelled(self):
+        _, ending = self.scan(answer="cancel")
+        self.assert_outcome(ending, hp.CANCELLED)
+        self.assert_released()
+
+    def test_a_jam_of_the_first_page_is_told_with_its_condition(self):
+        _, ending = self.scan(trouble=f"{JAM}:1", rows=5)
+        self.assert_outcome(ending, hp.FAILED, hp.TRANSFER, JAM)
+        self.assert_released()
+
+    def test_a_driver_that_cannot_be_opened_is_told(self):
+        self.desk.script(Virtual={"fail": "open:23"})
+        with self.desk.scan() as helper:
+            self.assertEqual(helper.done().outcome, hp.NOT_OPENED)
+
+    def test_a_driver_that_crashes_is_told(self):
+        for place in ("open", "middle:1"):
+            with self.subTest(place=place):
+                self.desk.script(Virtual={"crash": place, "rows": 5})
+                with self.desk.scan() as helper:
+                    if place != "open":
+                        helper.until("O")
+                        helper.say("a")
+                    self.assertEqual(helper.done().outcome, hp.CRASHED)
+
+    def test_a_driver_that_cannot_be_loaded_is_not_listed(self):
+        self.desk.script({"crash": "load"}, Virtual={})
+        self.assertEqual(self.listed(), [])
 
 
 class Helper64Test(HelperRoads, unittest.TestCase):
@@ -574,6 +671,14 @@ class Helper64Test(HelperRoads, unittest.TestCase):
 
 
 class Helper32Test(HelperRoads, unittest.TestCase):
+    bits = 32
+
+
+class WinesManager64Test(WinesManager, unittest.TestCase):
+    bits = 64
+
+
+class WinesManager32Test(WinesManager, unittest.TestCase):
     bits = 32
 
 
