@@ -62,6 +62,8 @@ VIAddVersionKey LegalCopyright "Copyright ${PUBLISHER}; Apache License 2.0"
 !define MUI_FINISHPAGE_RUN
 !define MUI_FINISHPAGE_RUN_TEXT "Run Folidex"
 !define MUI_FINISHPAGE_RUN_FUNCTION run_program
+!define MUI_UNCONFIRMPAGE_TEXT_TOP "Folidex will be removed from the following folder. Preferences, \
+    documents and the database stay where they are."
 !insertmacro MUI_PAGE_WELCOME
 !insertmacro MUI_PAGE_LICENSE "${STAGE}/licences/Folidex.txt"
 !define MUI_PAGE_CUSTOMFUNCTION_LEAVE refuse_while_running

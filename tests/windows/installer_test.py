@@ -131,8 +131,8 @@ class Installer(unittest.TestCase):
         self.assertIn("<folidex", (self.drive / PREFERENCES).read_text(encoding="utf-8"))
 
     def test_another_folder_may_be_named(self):
-        self.assertEqual(self.install(r"C:\Office programs\Documents"), 0)
-        folder = self.drive / "Office programs/Documents"
+        self.assertEqual(self.install(r"C:\Büro für 文書\Folidex"), 0)
+        folder = self.drive / "Büro für 文書/Folidex"
         self.assertTrue((folder / "dbm.mdb").is_file())
         self.assertFalse(self.folder.exists())
         self.station.start(folder / "folidex.exe")
