@@ -74,15 +74,6 @@ bool BackgroundScanner::follow(ScanControl::Phase phase, QWidget* parent, int sh
     return !operation->cancelled();
 }
 
-bool BackgroundScanner::run(ScanControl::Phase phase, QWidget* parent, int show_after, Work work) {
-    const auto start = [this, &work](const std::shared_ptr<ScanControl>& operation) {
-        thread_->post([operation, work = std::move(work)] {
-            carry_out(*operation, [&] { work(*operation); });
-        });
-    };
-    return follow(phase, parent, show_after, start);
-}
-
 void BackgroundScanner::carry_out(ScanControl& operation, const std::function<void()>& work) {
     std::exception_ptr failure;
     try {
@@ -118,7 +109,7 @@ void BackgroundScanner::append_page(int page) {
 }
 
 void BackgroundScanner::write_pdf(const QString& path) {
-    const auto work = [path, pages = pages_, chosen = chosen_](ScanControl& operation) {
+    const auto write = [path, pages = pages_, chosen = chosen_](ScanControl& operation) {
         write_file(path, [&](QIODevice& file) {
             PdfWriter pdf(file);
             int written = 0;
@@ -129,7 +120,10 @@ void BackgroundScanner::write_pdf(const QString& path) {
             pdf.finish();
         });
     };
-    run(ScanControl::Phase::kWriting, QApplication::activeWindow(), kShowAfter, work);
+    const auto start = [this, &write](const std::shared_ptr<ScanControl>& operation) {
+        writer_.post([operation, write] { carry_out(*operation, [&] { write(*operation); }); });
+    };
+    follow(ScanControl::Phase::kWriting, QApplication::activeWindow(), kShowAfter, start);
 }
 
 } // namespace folidex

@@ -38,8 +38,6 @@ protected:
     static constexpr int kShowAfter = 200;
     static constexpr int kAtOnce = 0;
 
-    /// Part of an operation: runs elsewhere and fails with what it throws.
-    using Work = std::function<void(ScanControl& operation)>;
     using Start = std::function<void(std::shared_ptr<ScanControl> operation)>;
 
     explicit BackgroundScanner(std::shared_ptr<ScannerThread> thread);
@@ -49,8 +47,6 @@ protected:
     /// sets going must end in carry_out.
     bool follow(ScanControl::Phase phase, QWidget* parent, int show_after, const Start& start,
                 std::function<void()> nudge = {});
-    /// The same with work that the thread does.
-    bool run(ScanControl::Phase phase, QWidget* parent, int show_after, Work work);
     /// Does the work and ends the operation, failed when the work throws.
     static void carry_out(ScanControl& operation, const std::function<void()>& work);
     /// Throws when an operation that the user left behind still hangs.
@@ -73,6 +69,8 @@ private:
     QPointer<ScanProgress> progress_;
     std::shared_ptr<PageSpool> pages_;
     std::vector<int> chosen_;
+    /// The PDF is written while the scanner's thread is still busy with the device.
+    ScannerThread writer_;
 };
 
 } // namespace folidex

@@ -120,7 +120,10 @@ char wait_for_command() {
 /// Waits for a gate that the test opens, with a sign of life at every look when alive.
 void wait_for_gate(const std::string& name, bool alive) {
     note("at " + name);
+    const auto end = std::chrono::steady_clock::now() + kLongestHang;
     while (!std::filesystem::exists(g_folder / name)) {
+        if (std::chrono::steady_clock::now() > end)
+            leave(9);
         if (alive)
             frame(Kind::kAlive);
         command();

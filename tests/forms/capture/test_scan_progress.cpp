@@ -4,6 +4,7 @@
 #include "capture/scanner/scan_progress.h"
 #include "common/error_trap.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -26,6 +27,9 @@ private Q_SLOTS:
     void it_covers_the_form_while_it_is_up();
     void an_operation_that_is_quick_shows_no_window();
     void without_progress_it_comes_up_for_a_question_only();
+    void while_the_user_chooses_it_stays_away_and_still_covers_the_form();
+    void a_source_that_falls_silent_can_be_cancelled();
+    void a_question_leaves_time_for_something_else();
     void every_way_out_cancels_data();
     void every_way_out_cancels();
     void a_scanner_that_does_not_answer_is_left_two_seconds_after_cancel();
@@ -143,6 +147,57 @@ void ScanProgressTest::without_progress_it_comes_up_for_a_question_only() {
             click("cmdKeepPages");
         },
         ScanProgress::kNever);
+}
+
+void ScanProgressTest::while_the_user_chooses_it_stays_away_and_still_covers_the_form() {
+    control_ = std::make_shared<ScanControl>(ScanControl::Phase::kChoosing);
+    QWidget form;
+    form.show();
+    run([&] {
+        auto* shield = window_->findChild<QDialog*>(QStringLiteral("shield"));
+        wait_until([&] { return QApplication::activeModalWidget() == shield; });
+        QVERIFY(!window_->isVisible());
+        QVERIFY(shield->testAttribute(Qt::WA_DontShowOnScreen));
+        control_->begin_page(1);
+        wait_until([this] { return window_->isVisible(); });
+        QCOMPARE(QApplication::activeModalWidget(), window_.get());
+        QCOMPARE(find<QLabel>("lblPage")->text(), QStringLiteral("Page 1"));
+    });
+    window_->release();
+    QTRY_VERIFY(!QApplication::activeModalWidget());
+}
+
+void ScanProgressTest::a_source_that_falls_silent_can_be_cancelled() {
+    control_ = std::make_shared<ScanControl>(ScanControl::Phase::kChoosing);
+    // Even without progress: there must be a way out.
+    run(
+        [this] {
+            control_->set_silent(true);
+            wait_until([this] { return window_->isVisible(); });
+            QCOMPARE(find<QLabel>("lblPage")->text(),
+                     QStringLiteral("The scanner's driver does not answer."));
+            control_->set_silent(false);
+            wait_until([this] { return !window_->isVisible(); });
+            control_->set_silent(true);
+            wait_until([this] { return window_->isVisible(); });
+            click("cmdCancelScan");
+            QVERIFY(control_->cancelled());
+        },
+        ScanProgress::kNever);
+}
+
+void ScanProgressTest::a_question_leaves_time_for_something_else() {
+    std::atomic<int> done{0};
+    scanner_ = std::thread([&] {
+        answer_ = control_->ask({2, 1, QStringLiteral("Jammed")}, [&] { ++done; });
+    });
+    run([&] {
+        wait_until([&] { return done >= 3; });
+        wait_until([this] { return find<QPushButton>("cmdKeepPages")->isVisible(); });
+        click("cmdKeepPages");
+        scanner_.join();
+    });
+    QCOMPARE(answer_, Answer::kKeep);
 }
 
 void ScanProgressTest::every_way_out_cancels_data() {

@@ -10,10 +10,33 @@ using namespace Qt::StringLiterals;
 
 namespace folidex::test {
 
+/// Tells when it is opened and when it scans.
+class TwainDesk::WatchedScanner : public TwainScanner {
+public:
+    explicit WatchedScanner(TwainDesk& desk) : TwainScanner(desk.session()), desk_(desk) {}
+    bool open_source() override {
+        begin(desk_.while_opening_);
+        return TwainScanner::open_source();
+    }
+    void acquire(QWidget* parent) override {
+        begin(desk_.while_scanning_);
+        TwainScanner::acquire(parent);
+    }
+
+private:
+    void begin(std::function<void()>& action) {
+        if (action)
+            later(&watch_, 0, std::exchange(action, {}));
+    }
+
+    TwainDesk& desk_;
+    QObject watch_;
+};
+
 TwainDesk::TwainDesk() {
     twain.list(64, {u"source 0 Front desk"_s, u"source 1 Archive"_s, u"done 0"_s});
     twain.list(32, {u"source 0 Old copier"_s, u"done 0"_s});
-    set_scanner_factory([this] { return std::make_unique<TwainScanner>(session()); });
+    set_scanner_factory([this] { return std::make_unique<WatchedScanner>(*this); });
 }
 
 TwainDesk::~TwainDesk() {
@@ -37,13 +60,8 @@ void TwainDesk::scan_with(const QStringList& script) {
 }
 
 void TwainDesk::press_when_shown(const char* button) {
-    when_shown(
-        form.get(), button, [](QWidget& shown) { QTest::mouseClick(&shown, Qt::LeftButton); },
-        [this] { twain.open_gate(u"never"_s); });
-}
-
-void TwainDesk::meanwhile(const std::function<void()>& action) {
-    later(form.get(), 0, action);
+    if (wait_until([button] { return progress_control(button) != nullptr; }))
+        QTest::mouseClick(progress_control(button), Qt::LeftButton);
 }
 
 void TwainDesk::expect_box(const QString& part) {

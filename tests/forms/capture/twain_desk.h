@@ -25,11 +25,12 @@ public:
     void open_listed(int link = -1);
     /// Has a script played by the front desk's helper, and scans with it.
     void scan_with(const QStringList& script);
-    /// Presses a button of the progress window once it can be; wakes the helper up when it never
-    /// can.
-    void press_when_shown(const char* button);
-    /// Does something while the scan is under way.
-    void meanwhile(const std::function<void()>& action);
+    /// Does something while the next source is being opened, or scans: both return only when
+    /// they are over.
+    void while_opening(const std::function<void()>& action) { while_opening_ = action; }
+    void while_scanning(const std::function<void()>& action) { while_scanning_ = action; }
+    /// Presses a button of the progress window once that can be done.
+    static void press_when_shown(const char* button);
     /// Lets a box come that holds a text: plain, with OK alone and the program's name.
     void expect_box(const QString& part);
 
@@ -39,7 +40,11 @@ public:
     QByteArray scanned_pdf() const;
 
 private:
+    class WatchedScanner;
+
     std::shared_ptr<TwainSession> session_;
+    std::function<void()> while_opening_;
+    std::function<void()> while_scanning_;
 };
 
 } // namespace folidex::test
