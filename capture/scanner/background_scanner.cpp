@@ -5,17 +5,56 @@
 
 #include "capture/scanner/pdf_writer.h"
 #include "capture/scanner/scanner_error.h"
+#include "common/error_trap.h"
 #include "platform/safe_file.h"
 
 #include <QApplication>
 
 namespace folidex {
 
+namespace {
+
+constexpr int kLookEvery = 100;
+
+} // namespace
+
 BackgroundScanner::BackgroundScanner(std::shared_ptr<ScannerThread> thread)
-    : thread_(std::move(thread)), pages_(std::make_shared<PageSpool>()) {}
+    : thread_(std::move(thread)), pages_(std::make_shared<PageSpool>()) {
+    on(&late_, &QTimer::timeout, &late_, [this] { look_for_late_sources(); });
+}
 
 BackgroundScanner::~BackgroundScanner() {
     delete progress_;
+}
+
+int BackgroundScanner::source_count() {
+    if (!std::exchange(searched_, true)) {
+        begin_search();
+        add_found_sources();
+        late_.start(kLookEvery);
+    }
+    return known_sources();
+}
+
+void BackgroundScanner::look_for_late_sources() {
+    if (!searching())
+        late_.stop();
+    const int before = known_sources();
+    add_found_sources();
+    if (known_sources() > before && sources_changed_)
+        sources_changed_();
+}
+
+void BackgroundScanner::on_sources_changed(std::function<void()> handler) {
+    sources_changed_ = std::move(handler);
+}
+
+void BackgroundScanner::set_current_source(int index) {
+    current_ = index;
+}
+
+std::optional<int> BackgroundScanner::current_source() const {
+    return is_known(current_) ? std::optional(current_) : std::nullopt;
 }
 
 void BackgroundScanner::set_use_feeder(bool on) {

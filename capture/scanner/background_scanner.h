@@ -10,17 +10,23 @@
 #include "capture/scanner/scanner_thread.h"
 
 #include <QPointer>
+#include <QTimer>
+#include <optional>
 #include <vector>
 
 namespace folidex {
 
-/// What the back ends have in common: the form's wishes, the pages of one acquisition and the
-/// PDF of them, and operations that run on the scanner's thread while a ScanProgress keeps the
-/// form alive and out of reach. A back end knows its sources, opens them and fills a spool.
+/// What the back ends have in common: sources that answer late, the form's wishes, the pages of
+/// one acquisition and the PDF of them, and operations that run on the scanner's thread while a
+/// ScanProgress keeps the form alive and out of reach. A back end finds sources, opens one and
+/// fills a spool.
 class BackgroundScanner : public Scanner {
 public:
     ~BackgroundScanner() override;
 
+    int source_count() override;
+    void on_sources_changed(std::function<void()> handler) override;
+    void set_current_source(int index) override;
     void set_use_feeder(bool on) override;
     void set_auto_feed(bool on) override;
     void set_show_progress(bool on) override;
@@ -52,6 +58,9 @@ protected:
     /// Throws when an operation that the user left behind still hangs.
     void refuse_while_hanging() const;
 
+    /// The source to be opened, if it is one that is known.
+    std::optional<int> current_source() const;
+    bool is_known(int source) const { return source >= 0 && source < known_sources(); }
     const ScanWishes& wishes() const { return wishes_; }
     /// The name that progress and failures show.
     void set_name(const QString& name) { name_ = name; }
@@ -59,11 +68,22 @@ protected:
     void keep(std::shared_ptr<PageSpool> pages) { pages_ = std::move(pages); }
 
 private:
+    /// Begins to search for sources and waits for the quick ones.
+    virtual void begin_search() = 0;
+    virtual bool searching() const = 0;
+    /// Adds the sources found since; they come at the end of those already known.
+    virtual void add_found_sources() = 0;
+    virtual int known_sources() const = 0;
     /// The operation was left while the scanner did not answer.
     virtual void left_behind() = 0;
     ScanProgress& progress(QWidget* parent);
+    void look_for_late_sources();
 
     std::shared_ptr<ScannerThread> thread_;
+    bool searched_ = false;
+    QTimer late_;
+    std::function<void()> sources_changed_;
+    int current_ = 0;
     QString name_;
     ScanWishes wishes_;
     QPointer<ScanProgress> progress_;

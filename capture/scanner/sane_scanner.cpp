@@ -5,7 +5,6 @@
 
 #include "capture/scanner/sane_device.h"
 #include "capture/scanner/system_scanner.h"
-#include "common/error_trap.h"
 
 #include <QApplication>
 #include <thread>
@@ -15,7 +14,6 @@ namespace folidex {
 namespace {
 
 constexpr std::chrono::milliseconds kWaitForLocal{900};
-constexpr int kLookEvery = 100;
 
 } // namespace
 
@@ -24,49 +22,19 @@ std::unique_ptr<Scanner> make_system_scanner() {
 }
 
 SaneScanner::SaneScanner(std::shared_ptr<SaneSession> session)
-    : BackgroundScanner(session->thread()), session_(std::move(session)) {
-    on(&late_, &QTimer::timeout, &late_, [this] { look_for_late_sources(); });
-}
+    : BackgroundScanner(session->thread()), session_(std::move(session)) {}
 
 SaneScanner::~SaneScanner() {
     close_device();
 }
 
-int SaneScanner::source_count() {
-    if (!search_) {
-        search_ = SaneDeviceList::search(*session_);
-        search_->wait_for_local(kWaitForLocal);
-        sources_ = search_->sources();
-        late_.start(kLookEvery);
-    }
-    return static_cast<int>(sources_.size());
-}
-
-void SaneScanner::look_for_late_sources() {
-    if (search_->complete())
-        late_.stop();
-    const QList<SaneSource> now = search_->sources();
-    if (now.size() == sources_.size())
-        return;
-    sources_ = now;
-    if (sources_changed_)
-        sources_changed_();
-}
-
-bool SaneScanner::is_known(int index) const {
-    return index >= 0 && index < sources_.size();
+void SaneScanner::begin_search() {
+    search_ = SaneDeviceList::search(*session_);
+    search_->wait_for_local(kWaitForLocal);
 }
 
 QString SaneScanner::source_name(int k) {
     return is_known(k) ? source_names(sources_).at(k) : QString();
-}
-
-void SaneScanner::on_sources_changed(std::function<void()> handler) {
-    sources_changed_ = std::move(handler);
-}
-
-void SaneScanner::set_current_source(int index) {
-    current_ = index;
 }
 
 SaneScanner::Start SaneScanner::with_sane(SaneWork work) const {
@@ -88,11 +56,12 @@ void SaneScanner::left_behind() {
 
 bool SaneScanner::open_source() {
     close_device();
-    if (!is_known(current_))
+    const auto chosen = current_source();
+    if (!chosen)
         return false;
     refuse_while_hanging();
-    const SaneSource& source = sources_.at(current_);
-    who_ = {source_name(current_), source.device, source.type};
+    const SaneSource& source = sources_.at(*chosen);
+    who_ = {source_name(*chosen), source.device, source.type};
     set_name(who_.name);
     auto device = std::make_shared<SaneDevice>(source.device);
     const auto usable = std::make_shared<bool>(false);

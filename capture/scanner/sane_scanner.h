@@ -7,8 +7,6 @@
 #include "capture/scanner/sane_acquisition.h"
 #include "capture/scanner/sane_device_list.h"
 
-#include <QTimer>
-
 namespace folidex {
 
 class SaneDevice;
@@ -20,18 +18,17 @@ public:
     explicit SaneScanner(std::shared_ptr<SaneSession> session);
     ~SaneScanner() override;
 
-    int source_count() override;
     QString source_name(int k) override;
-    void on_sources_changed(std::function<void()> handler) override;
-    void set_current_source(int index) override;
     bool open_source() override;
     void acquire(QWidget* parent) override;
 
 private:
     using SaneWork = std::function<void(const SaneApi& api, ScanControl& operation)>;
 
-    void look_for_late_sources();
-    bool is_known(int index) const;
+    void begin_search() override;
+    bool searching() const override { return !search_->complete(); }
+    void add_found_sources() override { sources_ = search_->sources(); }
+    int known_sources() const override { return static_cast<int>(sources_.size()); }
     /// Work for the session's thread, which has the API.
     Start with_sane(SaneWork work) const;
     void close_device();
@@ -40,10 +37,6 @@ private:
     std::shared_ptr<SaneSession> session_;
     std::shared_ptr<SaneDeviceList> search_;
     QList<SaneSource> sources_;
-    QTimer late_;
-    std::function<void()> sources_changed_;
-
-    int current_ = 0;
     SaneWho who_; ///< the source opened last
     std::shared_ptr<SaneDevice> device_;
 };

@@ -4,15 +4,13 @@
 #include "capture/scanner/twain_scanner.h"
 
 #include "capture/scanner/twain_run.h"
-#include "common/error_trap.h"
+#include "common/error.h"
 
 #include <QApplication>
 
 namespace folidex {
 
 namespace {
-
-constexpr int kLookEvery = 100;
 
 /// The window that the driver's own is to stand before, as the system knows it.
 quintptr owner_window() {
@@ -24,56 +22,36 @@ quintptr owner_window() {
 } // namespace
 
 TwainScanner::TwainScanner(std::shared_ptr<TwainSession> session)
-    : BackgroundScanner(session->thread()), session_(std::move(session)) {
-    on(&late_, &QTimer::timeout, &late_, [this] { look_for_late_sources(); });
-}
+    : BackgroundScanner(session->thread()), session_(std::move(session)) {}
 
 TwainScanner::~TwainScanner() {
     close_source();
 }
 
-int TwainScanner::source_count() {
-    if (!searched_) {
-        searched_ = true;
-        session_->sources().search();
-        session_->sources().wait(session_->settings().first_answer);
-        sources_ = session_->sources().list();
-        late_.start(kLookEvery);
-    }
-    return static_cast<int>(sources_.size());
+void TwainScanner::begin_search() {
+    session_->sources().search();
+    session_->sources().wait(session_->settings().first_answer);
 }
 
-void TwainScanner::look_for_late_sources() {
-    if (!session_->sources().searching())
-        late_.stop();
-    const qsizetype before = sources_.size();
+bool TwainScanner::searching() const {
+    return session_->sources().searching();
+}
+
+void TwainScanner::add_found_sources() {
     sources_ = merged(sources_, session_->sources().list());
-    if (sources_.size() > before && sources_changed_)
-        sources_changed_();
-}
-
-bool TwainScanner::is_known(int index) const {
-    return index >= 0 && index < sources_.size();
 }
 
 QString TwainScanner::source_name(int k) {
     return is_known(k) ? sources_.at(k).name : QString();
 }
 
-void TwainScanner::on_sources_changed(std::function<void()> handler) {
-    sources_changed_ = std::move(handler);
-}
-
-void TwainScanner::set_current_source(int index) {
-    current_ = index;
-}
-
 bool TwainScanner::open_source() {
     close_source();
-    if (!is_known(current_))
+    const auto chosen = current_source();
+    if (!chosen)
         return false;
     refuse_while_hanging();
-    const TwainSource& source = sources_.at(current_);
+    const TwainSource& source = sources_.at(*chosen);
     set_name(source.name);
     const auto run =
         std::make_shared<TwainRun>(session_->settings(), source, wishes(), owner_window());

@@ -6,8 +6,6 @@
 #include "capture/scanner/background_scanner.h"
 #include "capture/scanner/twain_session.h"
 
-#include <QTimer>
-
 namespace folidex {
 
 class TwainRun;
@@ -20,26 +18,20 @@ public:
     explicit TwainScanner(std::shared_ptr<TwainSession> session);
     ~TwainScanner() override;
 
-    int source_count() override;
     QString source_name(int k) override;
-    void on_sources_changed(std::function<void()> handler) override;
-    void set_current_source(int index) override;
     bool open_source() override;
     void acquire(QWidget* parent) override;
 
 private:
-    void look_for_late_sources();
-    bool is_known(int index) const;
+    void begin_search() override;
+    bool searching() const override;
+    void add_found_sources() override;
+    int known_sources() const override { return static_cast<int>(sources_.size()); }
     void close_source();
     void left_behind() override;
 
     std::shared_ptr<TwainSession> session_;
     QList<TwainSource> sources_;
-    bool searched_ = false;
-    QTimer late_;
-    std::function<void()> sources_changed_;
-
-    int current_ = 0;
     std::shared_ptr<TwainRun> run_; ///< of the source that is open
 };
 

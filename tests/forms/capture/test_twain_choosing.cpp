@@ -29,10 +29,8 @@ public:
 } // namespace
 
 /// Sources, opening one, and the time in which the user decides in the source's own window.
-class TwainChoosingTest : public QObject {
+class TwainChoosingTest : public TwainDeskTest {
     Q_OBJECT
-
-    std::unique_ptr<TwainDesk> desk_;
 
     QStringList scanners() const {
         desk_->click("cmdScan");
@@ -44,19 +42,11 @@ class TwainChoosingTest : public QObject {
     QStringList scans() const { return desk_->twain.log().filter(u" --index "_s); }
     /// A scan whose helper stays when all is done, until the gate is open.
     static QStringList lingering(const QString& gate) {
-        return ScriptedTwain::pages({100}) << u"deaf"_s << u"gate "_s + gate;
+        return QStringList{u"opened"_s, u"await"_s, u"deaf"_s} +
+               ScriptedTwain::pages({100}).mid(2) + QStringList{u"gate "_s + gate};
     }
 
 private Q_SLOTS:
-    void init() { desk_ = std::make_unique<TwainDesk>(); }
-    void cleanup() {
-        const bool as_planned = desk_->boxes.verify();
-        const QList<int> ended = desk_->ended;
-        desk_.reset();
-        QVERIFY(as_planned);
-        QCOMPARE(ended, QList<int>());
-    }
-
     void the_64_bit_sources_come_first() {
         desk_->open();
         QCOMPARE(scanners(), QStringList({u"Front desk"_s, u"Archive"_s, u"Old copier"_s}));

@@ -34,21 +34,10 @@ QStringList one_page(const QString& page, const QStringList& lines) {
 
 } // namespace
 
-class TwainPagesTest : public QObject {
+class TwainPagesTest : public TwainDeskTest {
     Q_OBJECT
 
-    std::unique_ptr<TwainDesk> desk_;
-
 private Q_SLOTS:
-    void init() { desk_ = std::make_unique<TwainDesk>(); }
-    void cleanup() {
-        const bool as_planned = desk_->boxes.verify();
-        const QList<int> ended = desk_->ended;
-        desk_.reset();
-        QVERIFY(as_planned);
-        QCOMPARE(ended, QList<int>());
-    }
-
     void a_scan_of_many_pages_is_one_pdf_in_their_order() {
         desk_->open_listed();
         desk_->scan_with(ScriptedTwain::pages({100, 200, 300, 150}));

@@ -20,10 +20,8 @@ const QStringList kHalfAPage{u"page gray 100 50 100 100"_s, u"rows 25"_s};
 
 /// Drivers that crash, hang, jam and talk nonsense: a box in plain words, the form as it was, and
 /// the next scan works.
-class TwainTroublesTest : public QObject {
+class TwainTroublesTest : public TwainDeskTest {
     Q_OBJECT
-
-    std::unique_ptr<TwainDesk> desk_;
 
     QString heading() const {
         return progress_window() ? progress_window()->findChild<QLabel*>(u"lblPage"_s)->text()
@@ -41,15 +39,6 @@ class TwainTroublesTest : public QObject {
     }
 
 private Q_SLOTS:
-    void init() { desk_ = std::make_unique<TwainDesk>(); }
-    void cleanup() {
-        const bool as_planned = desk_->boxes.verify();
-        const QList<int> ended = desk_->ended;
-        desk_.reset();
-        QVERIFY(as_planned);
-        QCOMPARE(ended, QList<int>());
-    }
-
     void a_crash_is_told_and_changes_nothing_data() {
         QTest::addColumn<QStringList>("script");
         QTest::addColumn<QString>("told");

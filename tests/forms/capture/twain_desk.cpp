@@ -82,4 +82,16 @@ QList<int> TwainDesk::scanned_widths() const {
     return widths;
 }
 
+void TwainDeskTest::init() {
+    desk_ = std::make_unique<TwainDesk>();
+}
+
+void TwainDeskTest::cleanup() {
+    const bool as_planned = desk_->boxes.verify();
+    const QList<int> ended = desk_->ended;
+    desk_.reset();
+    QVERIFY(as_planned);
+    QCOMPARE(ended, QList<int>());
+}
+
 } // namespace folidex::test

@@ -47,4 +47,17 @@ private:
     std::function<void()> while_scanning_;
 };
 
+/// A test at such a desk: a new one each time, and afterwards all boxes came that were planned
+/// and nothing ended the program.
+class TwainDeskTest : public QObject {
+    Q_OBJECT
+
+protected:
+    std::unique_ptr<TwainDesk> desk_;
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+};
+
 } // namespace folidex::test
