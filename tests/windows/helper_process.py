@@ -91,7 +91,9 @@ def builds():
     for folder in os.environ.get("FOLIDEX_TWAIN_BUILDS", usual).split(":"):
         for bits in (64, 32):
             for program in pathlib.Path(folder).rglob(f"folidex-twain{bits}.exe"):
-                found[bits] = program
+                # Not the copies that lie with the program.
+                if (program.parent / "CMakeFiles").is_dir():
+                    found[bits] = program
     return found
 
 

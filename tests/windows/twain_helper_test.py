@@ -6,6 +6,7 @@
 Both must have been built; helper_process.py tells where they are looked for.
 """
 
+import queue
 import shutil
 import tempfile
 import unittest
@@ -566,6 +567,20 @@ class HelperRoads(Scanning):
                         helper.say("a")
                     self.assertEqual(helper.done().outcome, hp.CRASHED)
                     self.assertEqual(helper.ended(), 3)
+
+    def test_a_crash_is_told_though_the_driver_has_a_filter_of_its_own(self):
+        _, ending = self.scan(pages=SMALL, filter="open", crash="transfer:1")
+        self.assertEqual(ending.outcome, hp.CRASHED)
+
+    def test_a_driver_that_hangs_gives_no_sign_of_life(self):
+        self.desk.script(Virtual={"pages": SMALL, "hang": "transfer:1"})
+        with self.desk.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            helper.until("W")
+            self.wait_for_log("hang at transfer:1")
+            self.assertRaises(queue.Empty, helper.frames.get, timeout=3)
+            self.assertIsNone(helper.process.poll())
 
     def test_a_crash_on_the_way_out_loses_nothing(self):
         for place in ("disable", "close"):

@@ -55,9 +55,13 @@ void report_crashes() {
     if (const HANDLE thread = CreateThread(nullptr, 0, report_overflow, nullptr, 0, nullptr))
         CloseHandle(thread);
     AddVectoredExceptionHandler(1, on_first_sight);
-    SetUnhandledExceptionFilter(on_fault);
+    report_crashes_still();
     std::set_terminate([] { end_with(kAborted); });
     std::signal(SIGABRT, [](int) { end_with(kAborted); });
+}
+
+void report_crashes_still() {
+    SetUnhandledExceptionFilter(on_fault);
 }
 
 } // namespace folidex::twain

@@ -8,6 +8,7 @@
 #include "capture/scanner/twain/twain_codes.h"
 
 #include <new>
+#include <objbase.h>
 #include <shellapi.h>
 
 namespace folidex::twain {
@@ -102,6 +103,8 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
     using namespace folidex::twain;
     FramePipe& pipe = FramePipe::of_process();
     report_crashes();
+    // Drivers take it for granted, as every program with windows has done it.
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     const auto options = read_options(arguments());
     if (!options)
         return kBadCommandLine;

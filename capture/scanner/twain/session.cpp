@@ -3,6 +3,7 @@
 
 #include "capture/scanner/twain/session.h"
 
+#include "capture/scanner/twain/crash_report.h"
 #include "capture/scanner/twain/failure.h"
 #include "capture/scanner/twain/message_loop.h"
 #include "capture/scanner/twain/twain_codes.h"
@@ -47,6 +48,7 @@ void Session::open(TW_UINT32 index, const std::string& name) {
     if (answer != TWRC_SUCCESS)
         throw Failure{Outcome::kNotOpened, Step::kOpenSource, answer, manager_.condition(nullptr)};
     state_ = State::kSourceOpen;
+    report_crashes_still();
     ask_for_calls();
 }
 

@@ -43,6 +43,10 @@ DWORD WINAPI crash_elsewhere(void*) {
     return 0;
 }
 
+LONG WINAPI end_quietly(EXCEPTION_POINTERS*) {
+    ExitProcess(0);
+}
+
 void do_mishap(const std::string& kind) {
     if (kind == "crash")
         *static_cast<volatile int*>(nullptr) = 1;
@@ -60,6 +64,8 @@ void do_mishap(const std::string& kind) {
         ExitProcess(9);
     if (kind == "chatter")
         chatter();
+    if (kind == "filter")
+        SetUnhandledExceptionFilter(end_quietly);
     if (kind == "crash_thread") {
         CreateThread(nullptr, 0, crash_elsewhere, nullptr, 0, nullptr);
         Sleep(INFINITE);
@@ -115,7 +121,7 @@ void note(const std::string& line) {
 void mishap_at(const std::string& section, const std::string& place, int page) {
     const std::string numbered = place + ":" + std::to_string(page);
     for (const char* kind : {"chatter", "crash", "hang", "throw", "raise", "overflow", "abort",
-                             "exit", "crash_thread"}) {
+                             "exit", "filter", "crash_thread"}) {
         const std::string where = text(section, kind);
         if (where.empty() || (where != place && where != numbered))
             continue;
