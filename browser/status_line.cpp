@@ -6,6 +6,8 @@
 #include <QDir>
 #include <QLocale>
 #include <QResizeEvent>
+#include <QStyleOption>
+#include <QStylePainter>
 
 namespace folidex {
 
@@ -46,6 +48,13 @@ void StatusLine::shorten_folder() {
 void StatusLine::resizeEvent(QResizeEvent* event) {
     QStatusBar::resizeEvent(event);
     shorten_folder();
+}
+
+void StatusLine::paintEvent(QPaintEvent*) {
+    QStylePainter painter(this);
+    QStyleOption option;
+    option.initFrom(this);
+    painter.drawPrimitive(QStyle::PE_PanelStatusBar, option);
 }
 
 } // namespace folidex

@@ -21,6 +21,8 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    /// Without the frames that some styles draw round each part.
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void shorten_folder();

@@ -109,6 +109,7 @@ void frmScanNew::dress_controls() {
 
     cmdScan->setIcon(icon(u"document"_s));
     cmdView->setIcon(icon(u"view"_s));
+    cmdDrop->setIcon(icon(u"drop"_s));
     // The longer of its two captions, so that nothing moves when a document arrives.
     lblScan->setText(u"Re-Scan"_s);
     lblScan->setMinimumWidth(lblScan->sizeHint().width());

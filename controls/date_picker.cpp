@@ -9,10 +9,10 @@
 #include <QCalendarWidget>
 #include <QKeyEvent>
 #include <QLayout>
+#include <QLineEdit>
 #include <QLocale>
 #include <QMouseEvent>
 #include <QPushButton>
-#include <QStyleOptionComboBox>
 #include <QToolButton>
 #include <QWheelEvent>
 #include <cmath>
@@ -25,6 +25,9 @@ namespace {
 
 const QDate kFirstDate(100, 1, 1);
 const QDate kLastDate(9999, 12, 31);
+
+// Room that a line of text leaves on its left and right, and its caret.
+constexpr int kTextMargins = 2 * 2;
 
 double nearest_date(double number) {
     if (std::isnan(number))
@@ -103,12 +106,41 @@ void DatePicker::set_value(double day_number) {
     Q_EMIT change();
 }
 
-// The base opens its calendar for the pointer only.
-void DatePicker::open_calendar() {
+QStyleOptionComboBox DatePicker::style_option() const {
     QStyleOptionComboBox option;
     option.initFrom(this);
     option.editable = true;
+    option.frame = hasFrame();
     option.subControls = QStyle::SC_All;
+    return option;
+}
+
+QSize DatePicker::with_room_for_a_date(QSize size) const {
+    QStyleOptionComboBox option = style_option();
+    option.rect = QRect(QPoint(), size);
+    const QRect field =
+        style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+    QString longest = text();
+    for (QChar& character : longest)
+        if (character.isDigit())
+            character = u'0';
+    const int wanted = fontMetrics().horizontalAdvance(longest) + kTextMargins +
+                       style()->pixelMetric(QStyle::PM_TextCursorWidth, nullptr, this);
+    size.rwidth() += qMax(0, wanted - field.width());
+    return size;
+}
+
+QSize DatePicker::sizeHint() const {
+    return with_room_for_a_date(QDateTimeEdit::sizeHint());
+}
+
+QSize DatePicker::minimumSizeHint() const {
+    return with_room_for_a_date(QDateTimeEdit::minimumSizeHint());
+}
+
+// The base opens its calendar for the pointer only.
+void DatePicker::open_calendar() {
+    const QStyleOptionComboBox option = style_option();
     const QPointF arrow =
         style()
             ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxArrow, this)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QDateTimeEdit>
+#include <QStyleOptionComboBox>
 
 namespace folidex {
 
@@ -26,6 +27,10 @@ public:
     /// Values that are no date (NaN, before the year 100, after 9999) go to the nearest date.
     void set_value(double day_number);
 
+    /// Wide enough for the longest date: some styles forget the width of the calendar's arrow.
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
 Q_SIGNALS:
     /// The value changed, by the user or by set_value.
     void change();
@@ -38,6 +43,8 @@ private:
     void draw_plain_arrows();
     void add_today_button();
     void open_calendar();
+    QStyleOptionComboBox style_option() const;
+    QSize with_room_for_a_date(QSize size) const;
 
     double value_ = 0;
 };

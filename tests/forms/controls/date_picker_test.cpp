@@ -6,13 +6,16 @@
 #include "common/day_number.h"
 
 #include <QCalendarWidget>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QStyleFactory>
 #include <QTableView>
 #include <QTest>
 #include <cmath>
 #include <limits>
+#include <memory>
 
 using namespace folidex;
 using namespace Qt::StringLiterals;
@@ -47,6 +50,31 @@ private Q_SLOTS:
         picker.set_value(40098);
         QVERIFY(picker.text().contains(u"2009"_s));
         QCOMPARE(picker.displayFormat(), short_date_format());
+    }
+
+    void a_date_is_shown_whole_data() {
+        QTest::addColumn<QString>("style");
+        QTest::newRow("plain") << u"Fusion"_s;
+        QTest::newRow("with a wide arrow") << u"Windows"_s;
+    }
+    void a_date_is_shown_whole() {
+        QFETCH(QString, style);
+        const std::unique_ptr<QStyle> own_style(QStyleFactory::create(style));
+        QVERIFY(own_style);
+        QWidget window;
+        DatePicker picker(&window);
+        picker.setStyle(own_style.get());
+        picker.set_value(day_number(QDate(2008, 12, 28)));
+        picker.resize(picker.minimumSizeHint());
+        show(window);
+        const auto* line = picker.findChild<QLineEdit*>();
+        QVERIFY(line);
+        // Where the text stands when nothing is cut off or scrolled away.
+        const int beside_text = 2 * 2;
+        QVERIFY2(line->width() >=
+                     line->fontMetrics().horizontalAdvance(picker.text()) + beside_text,
+                 qPrintable(u"%1 of %2 pixels"_s.arg(line->width())
+                                .arg(line->fontMetrics().horizontalAdvance(picker.text()))));
     }
 
     // Documents are dated at midnight: a bound at noon would leave out those of its own day.
