@@ -83,8 +83,7 @@ class Keeping(wine_case.WineCase):
         self.clerk.select_document(self.main, "Lease")
         self.clerk.command(self.main, "Locate File")
         told = self.station.as_told(self.pdf)
-        line = desktop.wait_located(self.pdf)
-        self.assertEqual(line[-2:], ["explorer", f"/select,{told}"])
+        desktop.wait_located(self.pdf)
         shutil.rmtree(self.pdf.parent)
         self.clerk.command(self.main, "Locate File")
         self.assertEqual(self.read_box("Error").replace(" ", ""),

@@ -61,6 +61,7 @@ class Trouble(wine_case.WineCase):
         self.finish(capture)
 
     def test_a_machine_without_scanners_says_so(self):
+        self.scanners.disconnect_wines_own()
         capture = self.open_capture()
         self.assertNotIn("enabled", self.robot.find(BUTTON, "Scan", capture).states)
         self.assertTrue(any(text.startswith("No scanner found.")
@@ -77,7 +78,8 @@ class Trouble(wine_case.WineCase):
         self.finish(capture)
 
     def test_wines_own_source_manager_finds_and_runs_a_driver(self):
-        self.scanners.connect_to_windows_own("Virtual flatbed", {"pages": "gray100@400x600"})
+        self.scanners.disconnect_wines_own()
+        self.scanners.connect_to_wines_own("Virtual flatbed", {"pages": "gray100@400x600"})
         capture = self.open_capture()
         self.assertEqual(self.clerk.scan(capture, "Virtual flatbed"), ["Virtual flatbed"])
         self.assertEqual(self.pdf_facts(self.temporary_scan)["Pages"], "1")

@@ -26,19 +26,24 @@ class VirtualScanners:
         sections = {"manager": {"sources": "|".join(names), "log": 1} | (manager or {})}
         for name in names:
             sections[name] = {"window": 1} | scripts.get(name.replace(" ", "_"), {})
-        (folder / "scanners.ini").write_text("".join(
-            f"[{name}]\r\n" + "".join(f"{key}={value}\r\n" for key, value in keys.items())
-            for name, keys in sections.items()))
+        self._write(folder / "scanners.ini", sections)
 
-    def connect_to_windows_own(self, name, script):
-        """Sets up the one source that wine's own source manager finds."""
-        folder = self.folder(64)
+    def connect_to_wines_own(self, name, script):
+        """Sets up a source where wine's own source manager of 64 bits finds it."""
+        folder = self._drivers(64)
         (folder / "sane.ds").unlink(missing_ok=True)
         shutil.copy(self._file(64, "sane.ds"), folder / "sane.ds")
-        keys = {"window": 1} | script
-        (folder / "scanners.ini").write_text(
-            f"[manager]\r\nsources={name}\r\nlog=1\r\n[{name}]\r\n"
-            + "".join(f"{key}={value}\r\n" for key, value in keys.items()))
+        self._write(folder / "scanners.ini", {"manager": {"sources": name, "log": 1},
+                                              name: {"window": 1} | script})
+
+    def disconnect_wines_own(self):
+        """Takes away the drivers that wine brings along, which are for cameras too."""
+        for bits in _FOLDERS:
+            for driver in self._drivers(bits).glob("*.ds"):
+                driver.unlink()
+
+    def _drivers(self, bits):
+        return self._station.drive / "windows" / f"twain_{bits}"
 
     def folder(self, bits):
         return self._station.drive / _FOLDERS[bits]
@@ -47,6 +52,12 @@ class VirtualScanners:
         """What the sources of a word size were asked, line by line."""
         path = self.folder(bits) / "scanners.log"
         return path.read_text(errors="replace").splitlines() if path.is_file() else []
+
+    @staticmethod
+    def _write(path, sections):
+        path.write_text("".join(
+            f"[{name}]\r\n" + "".join(f"{key}={value}\r\n" for key, value in keys.items())
+            for name, keys in sections.items()))
 
     def _file(self, bits, name):
         found = sorted(pathlib.Path(self._builds[bits]).rglob(name))

@@ -2,6 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """What a clerk does otherwise on Windows: a scanner's driver brings a window of its own."""
 
+import re
+
 from .archivist import Archivist
 from .robot import BUTTON
 from .widget import DriverError
@@ -29,8 +31,16 @@ class WindowsClerk(Archivist):
     def take_up(self, window):
         """Turns to a window again, as a click into the task bar does. Under wine nobody does it
         by himself when the window of another program closes before it."""
-        self.robot.station.run("xdotool", "search", "--onlyvisible", "--name",
-                               f"^{window.name}$", "windowactivate", "--sync")
+        def look():
+            title = window.name
+            for number in self._windows_titled(title):
+                self.robot.station.output("xdotool", "windowactivate", number)
+            return self._active_title() == title
+        self.robot.wait(look, f"{window.describe()} to be taken up")
+
+    def _windows_titled(self, title):
+        return self.robot.station.output("xdotool", "search", "--onlyvisible", "--name",
+                                         f"^{re.escape(title)}$").split()
 
     def _active_title(self):
         return self.robot.station.output("xdotool", "getactivewindow", "getwindowname").strip()
@@ -60,12 +70,7 @@ class WindowsClerk(Archivist):
 
     def source_window(self, name):
         """The number of the driver's own window on the display."""
-        return self.robot.wait(lambda: self._source_window(name), f"the window of \"{name}\"")
-
-    def _source_window(self, name):
-        found = self.robot.station.output("xdotool", "search", "--onlyvisible", "--name",
-                                          f"^{name}$").split()
-        return found[-1] if found else None
+        return self.robot.wait(lambda: self._windows_titled(name), f"the window of \"{name}\"")[-1]
 
     def press_in_source(self, name, button):
         """Presses a button of the driver's window, and waits until the window has gone."""
@@ -73,7 +78,7 @@ class WindowsClerk(Archivist):
         self._picture("source", None)
         x, y = _BUTTONS[button]
         station.run("xdotool", "mousemove", "--window", number, str(x), str(y), "click", "1")
-        self.robot.wait(lambda: not self._source_window(name), f"the window of \"{name}\" to go")
+        self.robot.wait(lambda: not self._windows_titled(name), f"the window of \"{name}\" to go")
 
     def scan(self, window, source="Flatbed"):
         """Scans with a source, to the end of its feeder."""

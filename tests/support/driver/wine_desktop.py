@@ -42,11 +42,10 @@ class WineDesktop:
     def wait_located(self, path):
         """Waits for the file manager's window on the file's folder, and closes it."""
         told = self._station.as_told(path)
-        process, line = wait_until(
-            lambda: next(((number, line) for number, line in self._station.processes()
-                          if line[-1:] == [f"/select,{told}"]), None),
+        process = wait_until(
+            lambda: next((number for number, line in self._station.processes()
+                          if line == f"explorer /select,{told}"), None),
             f"the file manager to be asked for {told}")
         wait_until(lambda: self._station.output("xdotool", "search", "--onlyvisible", "--name",
                                                 f"^{path.parent.name}$"), "the folder's window")
         os.kill(process, signal.SIGKILL)
-        return line

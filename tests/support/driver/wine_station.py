@@ -91,8 +91,9 @@ class WineStation(Stack):
         for entry in pathlib.Path("/proc").glob("[0-9]*"):
             try:
                 if mark in (entry / "environ").read_bytes():
-                    words = (entry / "cmdline").read_bytes().decode(errors="replace")
-                    yield int(entry.name), words.split("\0")[:-1]
+                    # Wine writes its program's words over its own and leaves the rest empty.
+                    words = (entry / "cmdline").read_bytes().rstrip(b"\0").decode(errors="replace")
+                    yield int(entry.name), words.replace("\0", " ")
             except OSError:
                 continue
 
