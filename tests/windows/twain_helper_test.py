@@ -314,7 +314,8 @@ class HelperRoads(Scanning):
 
     def test_a_page_of_each_old_and_new_way_of_calling(self):
         for manager, keys in (({}, {"notify": "call"}), ({}, {"notify": "thread"}),
-                              ({}, {"notify": "event"}), ({"callback": 2}, {"notify": "call"}),
+                              ({}, {"notify": "event"}), ({}, {"notify": "both"}),
+                              ({"callback": 2}, {"notify": "call"}),
                               ({"old": 1}, {"protocol": 1}), ({}, {"protocol": 1}),
                               ({"old": 1}, {"protocol": 2}), ({}, {"ready_at_once": 1}),
                               ({"old": 1}, {"ready_at_once": 1})):
@@ -460,7 +461,8 @@ class HelperRoads(Scanning):
 
     def test_after_a_jam_the_scan_goes_on_with_the_page_that_jammed(self):
         for condition in (JAM, DOUBLE_FEED, INTERLOCK):
-            for keys in ({}, {"trouble_first": 1}, {"transfers": "native"}, {"trouble_stops": 1}):
+            for keys in ({}, {"trouble_first": 1}, {"transfers": "native"}, {"trouble_stops": 1},
+                         {"trouble_stops": 1, "notify": "both"}):
                 with self.subTest(condition=condition, **keys):
                     helper, told, ending = self.trouble("g", trouble=f"{condition}:3", **keys)
                     self.assert_outcome(told, hp.FAILED, hp.TRANSFER, condition, 2)

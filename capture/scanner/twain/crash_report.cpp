@@ -6,6 +6,7 @@
 #include "capture/scanner/twain/frame_pipe.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <exception>
 
 namespace folidex::twain {
@@ -51,6 +52,8 @@ LONG WINAPI on_fault(EXCEPTION_POINTERS* fault) {
 
 void report_crashes() {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+    // Without a console the C runtime would say in a box that a driver aborts.
+    _set_error_mode(_OUT_TO_STDERR);
     overflowed = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     if (const HANDLE thread = CreateThread(nullptr, 0, report_overflow, nullptr, 0, nullptr))
         CloseHandle(thread);

@@ -134,8 +134,11 @@ Scan::Next Scan::after_failure(const Failure& failure, bool begun) {
         const char answer = commands_.take();
         if (answer == static_cast<char>(Command::kKeep))
             return Next::kEnd;
-        if (answer == static_cast<char>(Command::kGoOn))
+        if (answer == static_cast<char>(Command::kGoOn)) {
+            // Sources that announce a page in two ways have left one announcement over.
+            session_.take_ready();
             return session_.end_page() ? Next::kPage : Next::kWait;
+        }
         loop_.step([this](MSG& message) { return session_.offer(message); });
     }
 }

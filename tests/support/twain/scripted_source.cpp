@@ -276,11 +276,12 @@ void Source::act(const std::string& what) {
 void Source::tell(TW_UINT16 message) {
     message_ = message;
     const std::string way = text(section_, "notify", "call");
-    if (!call_manager || way == "event" || identity_.ProtocolMajor < 2)
+    const bool calls = call_manager && identity_.ProtocolMajor >= 2 && way != "event";
+    if (!calls || way == "both")
         PostMessageA(window_, kNews, 0, 0);
-    else if (way == "thread")
+    if (calls && way == "thread")
         CloseHandle(CreateThread(nullptr, 0, tell_from_thread, this, 0, nullptr));
-    else
+    else if (calls)
         call_manager(message);
 }
 
