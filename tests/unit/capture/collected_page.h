@@ -6,6 +6,7 @@
 #include "capture/scanner/twain/page_sink.h"
 
 #include <QByteArray>
+#include <algorithm>
 #include <optional>
 
 namespace folidex::twain {

@@ -6,6 +6,7 @@
 
 #include <QTest>
 #include <QtEndian>
+#include <limits>
 #include <vector>
 
 using namespace folidex::twain;

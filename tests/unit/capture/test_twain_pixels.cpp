@@ -5,6 +5,7 @@
 #include "tests/unit/capture/collected_page.h"
 
 #include <QTest>
+#include <limits>
 
 using namespace folidex::twain;
 
