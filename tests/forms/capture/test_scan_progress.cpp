@@ -354,6 +354,5 @@ void ScanProgressTest::every_control_has_names_and_no_text_is_clipped() {
 
 } // namespace folidex
 
-Q_DECLARE_METATYPE(folidex::ScanControl::Answer)
 QTEST_MAIN(folidex::ScanProgressTest)
 #include "test_scan_progress.moc"
