@@ -110,10 +110,11 @@ def virtual(program, name):
 class Helper:
     """One helper process. Ends with it, whatever happened."""
 
-    def __init__(self, workstation, program, *arguments):
+    def __init__(self, workstation, program, *arguments, folder=None, environment=None):
         self.process = subprocess.Popen(
             workstation.command(program, *arguments), stdin=subprocess.PIPE,
-            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env=workstation.environment)
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, cwd=folder,
+            env=workstation.environment | (environment or {}))
         self.frames = queue.Queue()
         self.pages = []
         self.open_page = None
@@ -191,18 +192,19 @@ class Helper:
 
 
 class Desk:
-    """A folder with a helper, the virtual scanners beside it, and their script. Wine's own source
-    manager looks for its drivers elsewhere: drivers names that folder."""
+    """A folder with a helper, the virtual scanners beside it, and their script; drivers names the
+    folder in which they lie when it is another one."""
 
     def __init__(self, workstation, folder, program, library="TWAINDSM.dll", drivers=None):
         self.workstation = workstation
         self.program = pathlib.Path(folder) / program.name
         self.folder = drivers or self.program.parent
         shutil.copy(program, self.program)
-        name = library if drivers else "TWAINDSM.dll"
-        # What lies there may be shared with other machines.
-        (self.folder / name).unlink(missing_ok=True)
-        shutil.copy(virtual(program, library), self.folder / name)
+        if library:
+            name = library if library.endswith(".ds") else "TWAINDSM.dll"
+            # What lies there may be shared with other machines.
+            (self.folder / name).unlink(missing_ok=True)
+            shutil.copy(virtual(program, library), self.folder / name)
 
     def script(self, manager=None, **sources):
         """Sources by name; each its keys. Blanks stand where a name has an underscore."""
@@ -222,11 +224,11 @@ class Desk:
         path = self.folder / "scanners.log"
         return path.read_text("cp1252").splitlines() if path.exists() else []
 
-    def run(self, *arguments):
-        return Helper(self.workstation, self.program, *arguments)
+    def run(self, *arguments, **options):
+        return Helper(self.workstation, self.program, *arguments, **options)
 
-    def list(self):
-        return self.run("list")
+    def list(self, **options):
+        return self.run("list", **options)
 
     def scan(self, name="Virtual", index=0, wishes=ALL_WISHES, owner=0):
         return self.run("scan", "--index", index, "--name", name, "--owner", owner, "--wishes",

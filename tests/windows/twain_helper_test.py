@@ -59,6 +59,15 @@ class Scanning:
         self.assertAlmostEqual(page.y_resolution, resolution, places=2)
         self.assertEqual(bytes(page.data), hp.picture(kind, width, height, number))
 
+    def listed(self, desk=None, **options):
+        """The names of the sources."""
+        names = []
+        with (desk or self.desk).list(**options) as helper:
+            while (frame := helper.frame())[0] == "S":
+                names.append(frame[1][4:].decode())
+            self.assert_outcome(hp.Ending(frame[1]), hp.GOOD)
+        return names
+
     def steps(self):
         """What the source was told after it was opened, without its settings."""
         return [line.removeprefix("Virtual ") for line in self.desk.log()
@@ -110,6 +119,36 @@ class HelperRoads(Scanning):
         self.desk.script({"fail": "open:9"}, Virtual={})
         with self.desk.list() as helper:
             self.assert_outcome(helper.done(), hp.FAILED, hp.OPEN_MANAGER, 9)
+
+    def test_a_manager_among_the_systems_own_is_used_when_there_is_none_beside_the_helper(self):
+        folder = WORKSTATION.machine.drive / "windows" / {64: "system32", 32: "syswow64"}[self.bits]
+        desk = self.new_desk(drivers=folder)
+        for name in ("TWAINDSM.dll", "scanners.ini"):
+            self.addCleanup((folder / name).unlink)
+        desk.script({"log": 0}, Installed={})
+        self.assertEqual(self.listed(desk), ["Installed"])
+
+    def test_a_manager_in_the_current_folder_or_on_the_path_is_never_loaded(self):
+        self.desk.script(Planted={})
+        folder = self.desk.folder
+        path = {"WINEPATH": WORKSTATION.machine.as_told(folder)}
+        self.assertNotIn("Planted", self.listed(self.new_desk(None), folder=folder,
+                                                environment=path))
+        self.assertEqual(self.desk.log(), [])
+
+    def test_a_machine_without_a_manager_is_told_as_such(self):
+        overrides = WORKSTATION.environment["WINEDLLOVERRIDES"].replace(".exe=", ".exe,twain_32=")
+        with self.new_desk(None).list(environment={"WINEDLLOVERRIDES": overrides}) as helper:
+            kind, payload = helper.frame()
+            self.assertEqual(kind, "D")
+            self.assert_outcome(hp.Ending(payload), hp.NO_MANAGER, hp.LOAD_MANAGER)
+            self.assertEqual(helper.ended(), 0)
+
+    def test_a_library_that_is_no_manager_is_told_when_there_is_nothing_else(self):
+        overrides = WORKSTATION.environment["WINEDLLOVERRIDES"].replace(".exe=", ".exe,twain_32=")
+        desk = self.new_desk("not-a-manager.dll")
+        with desk.list(environment={"WINEDLLOVERRIDES": overrides}) as helper:
+            self.assert_outcome(helper.done(), hp.FAILED, hp.LOAD_MANAGER, 9)
 
     def test_a_library_that_is_no_manager_is_passed_over(self):
         # Wine's own comes next.
@@ -178,6 +217,13 @@ class HelperRoads(Scanning):
             self.assertEqual(helper.ended(), 0)
         self.assertEqual(self.steps(), ["manager open", "open", "manager callback", "close",
                                         "manager close"])
+
+    def test_a_program_whose_window_is_gone_gets_its_pages(self):
+        self.desk.script(Virtual={"pages": SMALL})
+        with self.desk.scan(owner=987654321) as helper:
+            helper.until("O")
+            helper.say("a")
+            self.assert_outcome(helper.done(), hp.GOOD, pages=1)
 
     def test_a_program_that_goes_away_leaves_no_open_source(self):
         self.desk.script(Virtual={})
@@ -584,6 +630,16 @@ class HelperRoads(Scanning):
             self.assertRaises(queue.Empty, helper.frames.get, timeout=3)
             self.assertIsNone(helper.process.poll())
 
+    def test_a_driver_that_hangs_does_not_outlive_the_program_for_long(self):
+        self.desk.script(Virtual={"pages": SMALL, "hang": "transfer:1"})
+        with self.desk.scan() as helper:
+            helper.until("O")
+            helper.say("a")
+            helper.until("W")
+            self.wait_for_log("hang at transfer:1")
+            helper.process.stdin.close()
+            self.assertEqual(helper.ended(), 4)
+
     def test_a_crash_on_the_way_out_loses_nothing(self):
         for place in ("disable", "close"):
             with self.subTest(place=place):
@@ -624,14 +680,6 @@ class WinesManager(Scanning):
         self.program = hp.builds()[self.bits]
         self.desk = self.new_desk("sane.ds", drivers)
         self.addCleanup((drivers / "sane.ds").unlink)
-
-    def listed(self):
-        with self.desk.list() as helper:
-            names = []
-            while (frame := helper.frame())[0] == "S":
-                names.append(frame[1][4:].decode())
-            self.assert_outcome(hp.Ending(frame[1]), hp.GOOD)
-        return names
 
     def assert_released(self):
         steps = self.steps()

@@ -7,6 +7,14 @@
 
 namespace folidex::twain {
 
+namespace {
+
+/// How long the way down may take once the program is gone, in milliseconds.
+constexpr DWORD kPatience = 10000;
+constexpr UINT kExitCode = 4;
+
+} // namespace
+
 void Commands::listen(HANDLE input, HWND window) {
     input_ = input;
     window_ = window;
@@ -28,8 +36,11 @@ DWORD WINAPI Commands::read(void* commands) {
         else
             self.last_ = command;
         MessageLoop::wake(self.window_);
-        if (!heard)
-            return 0;
+        if (!heard) {
+            // Nobody is left to end a helper whose driver hangs.
+            Sleep(kPatience);
+            TerminateProcess(GetCurrentProcess(), kExitCode);
+        }
     }
 }
 

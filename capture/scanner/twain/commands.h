@@ -11,7 +11,8 @@
 namespace folidex::twain {
 
 /// What the program says, read by a thread of its own, so that it is heard while a driver works.
-/// Each command wakes the message loop through `window`.
+/// Each command wakes the message loop through `window`. Ends the process when the program is gone
+/// and a driver does not come back.
 class Commands {
 public:
     /// The thread lives as long as the process; so must this.
