@@ -48,6 +48,15 @@ class Machine:
         self.run("wineboot", "--init")
         # Left to itself wine claims to be an older Windows than the program is for.
         self.run("winecfg", "/v", "win10")
+        script = self.prefix / "settings.reg"
+        self.set_registry({
+            # A caret that blinks never comes to rest.
+            r"HKEY_CURRENT_USER\Control Panel\Desktop": {"CursorBlinkRate": "-1"},
+            # Windows' own fonts are missing, and any other would be taken for them.
+            r"HKEY_CURRENT_USER\Software\Wine\Fonts\Replacements": dict.fromkeys(
+                ("Tahoma", "Segoe UI", "MS Shell Dlg", "MS Shell Dlg 2", "MS Sans Serif"),
+                "DejaVu Sans")}, script)
+        script.unlink()
         self.end()
 
     def copy_to(self, prefix):
