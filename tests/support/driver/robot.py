@@ -355,4 +355,4 @@ class Robot:
             if not rests:
                 time.sleep(quiet / 4)
             return rests
-        wait_until(look, "the screen to come to rest", 20)
+        wait_until(look, "the screen to come to rest")
