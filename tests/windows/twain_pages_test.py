@@ -115,6 +115,9 @@ class Pages(Scanning):
                     self.assert_outcome(helper.done(), hp.GOOD, pages=2)
                     helper.ended()
                 self.assert_released()
+                # Only the two of TWAIN 2 call.
+                calls = "old" not in manager and keys.get("protocol", 2) == 2
+                self.assertEqual("manager callback" in self.desk.log(), calls)
 
     # Endings
 
