@@ -116,7 +116,8 @@ class Places(wine_case.WineCase):
         self.station.all_users_folder.chmod(0o555)
         self.addCleanup(self.station.all_users_folder.chmod, 0o755)
         self.robot.start()
-        self.assertIn(r"C:\ProgramData\Brightmoor", self.told_path())
+        (report,) = self.reports("Main")
+        self.assertIn(r"Cannot create the folder C:\ProgramData\Brightmoor: Access denied.", report)
 
     def test_preferences_that_cannot_be_written_are_told_with_their_path(self):
         self.assertNotEqual(os.geteuid(), 0, "the superuser may write everywhere")
@@ -124,13 +125,18 @@ class Places(wine_case.WineCase):
         self.station.app_folder.chmod(0o555)
         self.addCleanup(self.station.app_folder.chmod, 0o755)
         self.robot.start()
-        self.assertIn(r"C:\ProgramData\Brightmoor", self.told_path())
+        report, _passed_on = self.reports("save_localXML", "Main")
+        self.assertIn(r"Cannot write C:\ProgramData\Brightmoor\folidex_Preferences.xml: "
+                      "Access denied.", report)
 
-    def told_path(self):
-        """The text of the message box that shows, whatever its title, without blanks."""
-        window = self.robot.window_with(BUTTON, "OK")
-        text = "".join(self.clerk.label_texts(window)).replace(" ", "").replace("\n", "")
-        return text
+    def reports(self, *procedures):
+        """The error reports of these procedures, after which the program ends as failed."""
+        texts = []
+        for procedure in procedures:
+            texts.append(self.read_box("Application Error"))
+            self.assertIn(f"Procedure: {procedure} ", texts[-1])
+        self.assertEqual(self.robot.wait_for_end(), 255)
+        return texts
 
 
 if __name__ == "__main__":
