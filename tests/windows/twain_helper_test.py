@@ -31,6 +31,13 @@ class Opening(Scanning):
         self.assertEqual(found, [(0, "B\xfcro-Scanner"), (1, "Scanner"), (2, "Scanner"),
                                  (3, "x" * 34)])
 
+    def test_a_script_elsewhere_is_named_by_the_environment(self):
+        self.desk.script(Beside={})
+        script = self.desk.folder / "other.ini"
+        script.write_text("[manager]\nsources=Elsewhere\n")
+        named = {"FOLIDEX_TWAIN_SCRIPT": WORKSTATION.machine.as_told(script)}
+        self.assertEqual(self.listed(environment=named), ["Elsewhere"])
+
     def test_a_manager_without_sources_lists_nothing(self):
         self.desk.script()
         with self.desk.list() as helper:
