@@ -25,15 +25,19 @@ std::mutex& one_start_at_a_time() {
 
 } // namespace
 
-TwainHelper::TwainHelper(QString scanner) : scanner_(std::move(scanner)), reader_(scanner_) {
+TwainHelper::TwainHelper(QString scanner)
+    : scanner_(std::move(scanner)), pipe_(process_), reader_(scanner_) {
     // Drivers print; only what the helper itself sends is listened to.
     process_.setStandardErrorFile(QProcess::nullDevice());
 }
 
 void TwainHelper::start(const TwainProgram& program, const QStringList& task) {
     const std::lock_guard lock(one_start_at_a_time());
+    pipe_.prepare();
     process_.start(program.path, program.arguments + task, QIODevice::ReadWrite);
-    if (!process_.waitForStarted())
+    const bool started = process_.waitForStarted();
+    pipe_.started();
+    if (!started)
         throw twain_program_error(scanner_, program.path, process_.errorString());
     put_on_leash(process_.processId());
 }
@@ -41,13 +45,8 @@ void TwainHelper::start(const TwainProgram& program, const QStringList& task) {
 std::optional<TwainFrame> TwainHelper::next(Time patience) {
     if (auto frame = reader_.next())
         return frame;
-    process_.waitForReadyRead(static_cast<int>(patience.count()));
-    reader_.add(process_.readAllStandardOutput());
+    reader_.add(pipe_.read(patience));
     return reader_.next();
-}
-
-void TwainHelper::take_in() {
-    process_.waitForReadyRead(0);
 }
 
 void TwainHelper::send(twain::Command command) {
@@ -64,7 +63,7 @@ void TwainHelper::release(Time patience, const std::function<bool()>& hurry) {
     clock.start();
     while (running() && !clock.hasExpired(patience.count()) && !hurry()) {
         process_.waitForFinished(kLook);
-        process_.readAllStandardOutput();
+        pipe_.read(Time(0));
     }
     kill();
 }

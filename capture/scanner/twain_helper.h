@@ -4,6 +4,7 @@
 #pragma once
 
 #include "capture/scanner/twain_frame_reader.h"
+#include "capture/scanner/twain_pipe.h"
 
 #include <QProcess>
 #include <QStringList>
@@ -32,7 +33,7 @@ public:
     /// The next frame; waits for it no longer than this.
     std::optional<TwainFrame> next(Time patience);
     /// Takes in what it sends, for next(); for a while in which nobody asks for frames.
-    void take_in();
+    void take_in() { reader_.add(pipe_.read(Time(0))); }
     void send(twain::Command command);
     /// Whether the process runs; it may have left frames behind.
     bool running() const { return process_.state() != QProcess::NotRunning; }
@@ -46,6 +47,7 @@ public:
 private:
     QString scanner_;
     QProcess process_;
+    TwainPipe pipe_;
     TwainFrameReader reader_;
 };
 

@@ -5,6 +5,7 @@
 
 #include "capture/scanner/twain/frames.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -31,6 +32,8 @@ constexpr std::chrono::milliseconds kLook{5};
 /// A helper that hangs is killed by whoever tests that; should that fail, it goes by itself.
 constexpr std::chrono::seconds kLongestHang{60};
 constexpr char kInputEnded = '\0';
+/// As many as a helper with a driver sends in one frame, more or less.
+constexpr std::uint32_t kRowsAtATime = 30;
 
 std::filesystem::path g_folder;
 std::mutex g_mutex;
@@ -164,8 +167,10 @@ void send_rows(std::uint32_t count) {
     const std::size_t row = g_page.kind == PageKind::kBilevel ? (width + 7) / 8
                             : g_page.kind == PageKind::kRgb   ? width * 3
                                                               : width;
-    for (std::uint32_t k = 0; k < count; ++k)
-        frame(Kind::kRows, std::vector<char>(row, static_cast<char>(16 * (g_pages + 1))));
+    for (std::uint32_t sent = 0; sent < count; sent += kRowsAtATime) {
+        const std::size_t part = std::min(kRowsAtATime, count - sent);
+        frame(Kind::kRows, std::vector<char>(row * part, static_cast<char>(16 * (g_pages + 1))));
+    }
     g_rows += count;
 }
 

@@ -34,6 +34,8 @@ private:
 };
 
 TwainDesk::TwainDesk() {
+    // Long, so that a busy machine shows the same list; tests of the waiting shorten it.
+    twain.settings.first_answer = std::chrono::seconds(30);
     twain.list(64, {u"source 0 Front desk"_s, u"source 1 Archive"_s, u"done 0"_s});
     twain.list(32, {u"source 0 Old copier"_s, u"done 0"_s});
     set_scanner_factory([this] { return std::make_unique<WatchedScanner>(*this); });
