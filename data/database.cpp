@@ -12,6 +12,7 @@
 #include "data/sql_tokens.h"
 #include "data/statement.h"
 #include "data/text_order.h"
+#include "platform/system_files.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -42,6 +43,12 @@ QString native(const QString& path) {
     return QDir::toNativeSeparators(path);
 }
 
+// Where the usual one gives up on long paths SQLite offers another beside it.
+const char* file_system() {
+    constexpr const char* kLongPaths = "win32-longpath";
+    return sqlite3_vfs_find(kLongPaths) ? kLongPaths : nullptr;
+}
+
 // Through SQLite's own file object: a second one of ours would, when closed, drop the locks that
 // the process holds on the file.
 bool has_file_mark(sqlite3* handle) {
@@ -60,8 +67,8 @@ std::shared_ptr<Database> Database::open(const QString& path) {
     if (!QDir(QFileInfo(path).path()).exists())
         throw Error{kBadFileName, QStringLiteral("Bad file name or number: ") + native(path)};
     sqlite3* handle = nullptr;
-    const int code = sqlite3_open_v2(QDir::toNativeSeparators(path).toUtf8().constData(), &handle,
-                                     SQLITE_OPEN_READWRITE, nullptr);
+    const int code = sqlite3_open_v2(path_of_any_length(path).toUtf8().constData(), &handle,
+                                     SQLITE_OPEN_READWRITE, file_system());
     const std::shared_ptr<Database> database(new Database(handle, path));
     if (code != SQLITE_OK)
         database->fail(code);

@@ -26,8 +26,8 @@ QString sentence(const QString& what, const QString& path, const QString& why) {
 
 // What the failing device says is the system's own words; the system tells apart what happened.
 // It was asked to forget the call before, and nothing in between touches it.
-[[noreturn]] void fail(const QString& what, const QString& path, const QString& words) {
-    const SystemFailure failure = system_failure();
+[[noreturn]] void fail(const QString& what, const QString& path, const QString& words,
+                       const SystemFailure& failure = system_failure()) {
     throw Error{failure.number,
                 sentence(what, path, failure.words.isEmpty() ? words : failure.words)};
 }
@@ -66,7 +66,7 @@ void write_file(const QString& path, const std::function<void(QIODevice&)>& writ
     file.setDirectWriteFallback(false);
     forget_system_failure();
     if (!file.open(QIODevice::WriteOnly))
-        fail(failed, path, file.errorString());
+        fail(failed, path, file.errorString(), failure_to_create_in(QFileInfo(path).path()));
     writer(file);
     forget_system_failure();
     if (!file.flush() || !wait_until_replaceable(path) || !file.commit())

@@ -20,6 +20,9 @@ struct SystemFailure {
 void forget_system_failure();
 /// Directly after an operation that failed.
 SystemFailure system_failure();
+/// The same after a file could not be made in a folder: where the toolkit asks the system more on
+/// the way back, this tries once more itself.
+SystemFailure failure_to_create_in(const QString& folder);
 
 /// Waits, two seconds at most, while another program has an existing file open in a way that
 /// keeps it from being replaced or deleted: a virus scanner does for moments, a viewer for as

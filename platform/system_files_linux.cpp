@@ -30,6 +30,10 @@ SystemFailure system_failure() {
     }
 }
 
+SystemFailure failure_to_create_in(const QString& /*folder*/) {
+    return system_failure();
+}
+
 // An open file hinders nobody here: who has it open keeps the old one.
 bool wait_until_replaceable(const QString& /*path*/) {
     return true;

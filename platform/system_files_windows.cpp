@@ -80,6 +80,18 @@ SystemFailure system_failure() {
     }
 }
 
+SystemFailure failure_to_create_in(const QString& folder) {
+    const QString name = path_of_any_length(folder + u"/folidex-"_s +
+                                            QString::number(GetCurrentProcessId(), 36) + u".tmp"_s);
+    forget_system_failure();
+    const HANDLE probe = CreateFileW(wide(name), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                     FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    if (probe == INVALID_HANDLE_VALUE)
+        return system_failure();
+    CloseHandle(probe);
+    return {};
+}
+
 bool wait_until_replaceable(const QString& path) {
     const QString native = path_of_any_length(path);
     const ULONGLONG begin = GetTickCount64();

@@ -4,6 +4,7 @@
 #include "capture/scanner/page_spool.h"
 
 #include "common/error.h"
+#include "platform/system_files.h"
 
 #include <QDir>
 
@@ -13,8 +14,7 @@ namespace {
 // The folder is named, not the file: the file may have no name, so that it goes even when the
 // program is killed, and asking for one would give it one.
 [[noreturn]] void fail(const QFileDevice& file, const QString& what) {
-    const bool full = file.error() == QFileDevice::ResourceError;
-    throw Error(full ? kDiskFull : kInternalError,
+    throw Error(system_failure().number,
                 QStringLiteral("The scanned page could not be %1 the temporary folder %2: %3")
                     .arg(what, QDir::toNativeSeparators(QDir::tempPath()), file.errorString()));
 }
@@ -45,6 +45,7 @@ qint64 PageSpool::end() const {
 }
 
 void PageSpool::add(const EncodedPage& page) {
+    forget_system_failure();
     if (!file_.isOpen()) {
         file_.setFileTemplate(QDir(temporary_folder()).filePath(QStringLiteral("folidex-XXXXXX")));
         if (!file_.open_unbuffered())
@@ -74,6 +75,7 @@ EncodedPage PageSpool::page(int number) {
                     QStringLiteral("There is no scanned page %1 of %2.").arg(number).arg(count()));
     const Entry& entry = entries_[static_cast<std::size_t>(number) - 1];
     EncodedPage page = entry.page;
+    forget_system_failure();
     if (file_.seek(entry.offset))
         page.data = file_.read(entry.size);
     if (page.data.size() != entry.size)

@@ -5,6 +5,7 @@
 
 #include "capture/scanner/page_encoder.h"
 #include "common/error.h"
+#include "platform/system_files.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -78,13 +79,12 @@ QByteArray image_entries(const EncodedPage& page) {
 
 [[noreturn]] void fail(const QIODevice& out) {
     const auto* file = qobject_cast<const QFileDevice*>(&out);
-    const bool full = file != nullptr && file->error() == QFileDevice::ResourceError;
+    const int number = file == nullptr ? kInternalError : system_failure().number;
     const QString into = file == nullptr
                              ? QString()
                              : QStringLiteral(" to ") + QDir::toNativeSeparators(file->fileName());
-    throw Error(full ? kDiskFull : kInternalError,
-                QStringLiteral("The PDF of the scanned pages could not be written%1: %2")
-                    .arg(into, out.errorString()));
+    throw Error(number, QStringLiteral("The PDF of the scanned pages could not be written%1: %2")
+                            .arg(into, out.errorString()));
 }
 
 QByteArray creation_date() {
@@ -101,6 +101,7 @@ PdfWriter::PdfWriter(QIODevice& out) : out_(out), offsets_(kInfo) {
 
 void PdfWriter::write(const QByteArray& bytes) {
     qint64 done = 0;
+    forget_system_failure();
     while (done < bytes.size()) {
         const qint64 step = out_.write(bytes.constData() + done, bytes.size() - done);
         if (step <= 0)
@@ -190,6 +191,7 @@ void PdfWriter::finish() {
     write_info();
     write_trailer();
     // A file keeps the last bytes back; a full disk must show here.
+    forget_system_failure();
     if (auto* file = qobject_cast<QFileDevice*>(&out_); file != nullptr && !file->flush())
         fail(out_);
 }
