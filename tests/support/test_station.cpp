@@ -61,15 +61,15 @@ TestStation::~TestStation() {
 }
 
 QString TestStation::root() const {
-    return root_.path();
+    return QDir::toNativeSeparators(root_.path());
 }
 
 QString TestStation::app_data() const {
-    return join_path(root_.path(), QStringLiteral("app_data"));
+    return join_path(root(), QStringLiteral("app_data"));
 }
 
 QString TestStation::data_folder() const {
-    return join_path(root_.path(), QStringLiteral("data"));
+    return join_path(root(), QStringLiteral("data"));
 }
 
 QString TestStation::database_path() const {

@@ -3,7 +3,10 @@
 
 #pragma once
 
+#include <QByteArray>
+#include <QFileInfo>
 #include <QString>
+#include <QStringList>
 #include <memory>
 
 namespace folidex::test {
@@ -38,6 +41,8 @@ public:
     SmallDisk& operator=(const SmallDisk&) = delete;
 
     QString folder() const;
+    /// The name of a file that opens for writing and has no room for a single byte.
+    QString full_file() const;
     /// The number of the failure to write there: Linux tells a file that is too large from a disk
     /// that is full.
     int error_number() const;
@@ -59,6 +64,34 @@ private:
     struct State;
     std::unique_ptr<State> state_;
 };
+
+/// While it lives, the system names this folder as that of temporary files; it need not exist.
+class TemporaryFolder {
+public:
+    explicit TemporaryFolder(const QString& path);
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+private:
+    QByteArray before_;
+};
+
+/// What a program said on both its outputs, and its exit code; -1 when it could not be run.
+struct Said {
+    int exit_code = -1;
+    QString text;
+};
+
+/// Runs one of the project's own programs.
+Said run(const QString& program, const QStringList& arguments);
+/// Runs a tool that looks into files, such as qpdf. On Windows it is asked for in the folder that
+/// the environment names as FOLIDEX_TOOLS, where tests/windows/tools_for_tests runs it.
+Said run_tool(const QString& tool, const QStringList& arguments);
+
+/// Whether only this user can read a file: by its mode, or on Windows by lying in the user's own
+/// profile, whose rights it takes over.
+bool is_private(const QFileInfo& file);
 
 /// For a program that is going to fail: no window of the system's, no core file, no endless loop.
 void fail_quietly();

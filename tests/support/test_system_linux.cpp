@@ -91,6 +91,10 @@ QString SmallDisk::folder() const {
     return state_->folder.path();
 }
 
+QString SmallDisk::full_file() const {
+    return QStringLiteral("/dev/full");
+}
+
 int SmallDisk::error_number() const {
     return kInternalError;
 }
@@ -109,6 +113,26 @@ AllUsersFolder::~AllUsersFolder() {
         qunsetenv("XDG_DATA_HOME");
     else
         qputenv("XDG_DATA_HOME", state_->before);
+}
+
+TemporaryFolder::TemporaryFolder(const QString& path) : before_(qgetenv("TMPDIR")) {
+    qputenv("TMPDIR", QFile::encodeName(path));
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    if (before_.isNull())
+        qunsetenv("TMPDIR");
+    else
+        qputenv("TMPDIR", before_);
+}
+
+Said run_tool(const QString& tool, const QStringList& arguments) {
+    return run(tool, arguments);
+}
+
+bool is_private(const QFileInfo& file) {
+    const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    return file.permissions() & QFile::ReadOwner && !(file.permissions() & others);
 }
 
 void fail_quietly() {

@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QTest>
 #include <array>
 #include <vector>
 
@@ -26,17 +27,20 @@ const wchar_t* wide(const QString& text) {
     return reinterpret_cast<const wchar_t*>(text.utf16());
 }
 
+constexpr int kPatience = 100'000;
 constexpr const wchar_t* kShellFolders =
     L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
 constexpr const wchar_t* kAllUsersData = L"Common AppData";
 
-void set_access(const QString& path, ACL* list, SECURITY_INFORMATION inheritance) {
-    QString native = QDir::toNativeSeparators(path);
-    const DWORD code = SetNamedSecurityInfoW(
-        reinterpret_cast<wchar_t*>(native.data()), SE_FILE_OBJECT,
-        DACL_SECURITY_INFORMATION | inheritance, nullptr, nullptr, list, nullptr);
-    if (code != ERROR_SUCCESS)
-        qWarning("cannot change the rights to %s: %lu", qPrintable(native), code);
+// The older call: the newer one mixes in the rights of the folder above, even where told not to.
+void set_access(const QString& path, ACL* list) {
+    SECURITY_DESCRIPTOR descriptor{};
+    InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
+    SetSecurityDescriptorDacl(&descriptor, TRUE, list, FALSE);
+    SetSecurityDescriptorControl(&descriptor, SE_DACL_PROTECTED, SE_DACL_PROTECTED);
+    if (!SetFileSecurityW(wide(QDir::toNativeSeparators(path)), DACL_SECURITY_INFORMATION,
+                          &descriptor))
+        qWarning("cannot change the rights to %s: %lu", qPrintable(path), GetLastError());
 }
 
 } // namespace
@@ -63,12 +67,12 @@ LimitedRights::LimitedRights(const QString& path, Rights rights)
     if (rights == Rights::kRead)
         AddAccessAllowedAce(list, ACL_REVISION, FILE_GENERIC_READ | FILE_GENERIC_EXECUTE,
                             everybody.data());
-    set_access(path, list, PROTECTED_DACL_SECURITY_INFORMATION);
+    set_access(path, list);
 }
 
 LimitedRights::~LimitedRights() {
     if (QFileInfo::exists(state_->path))
-        set_access(state_->path, state_->list_before, UNPROTECTED_DACL_SECURITY_INFORMATION);
+        set_access(state_->path, state_->list_before);
     LocalFree(state_->before);
 }
 
@@ -88,6 +92,16 @@ SmallDisk::~SmallDisk() = default;
 
 QString SmallDisk::folder() const {
     return state_->folder.path();
+}
+
+QString SmallDisk::full_file() const {
+    QFile filler(folder() + u"/filler"_s);
+    if (!filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        qFatal("cannot fill the small disk");
+    for (qint64 size = 1 << 16; size > 0; size /= 2)
+        while (filler.write(QByteArray(size, 'x')) == size) {
+        }
+    return folder() + u"/full"_s;
 }
 
 int SmallDisk::error_number() const {
@@ -118,6 +132,39 @@ AllUsersFolder::AllUsersFolder(const QString& path) : state_(std::make_unique<St
 
 AllUsersFolder::~AllUsersFolder() {
     State::set(state_->before.data());
+}
+
+TemporaryFolder::TemporaryFolder(const QString& path) : before_(qgetenv("TMP")) {
+    qputenv("TMP", QDir::toNativeSeparators(path).toLocal8Bit());
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    qputenv("TMP", before_);
+}
+
+// The order is written beside its name and renamed, and so is the answer: neither is ever half
+// there when it is seen.
+Said run_tool(const QString& tool, const QStringList& arguments) {
+    const QTemporaryDir order(qEnvironmentVariable("FOLIDEX_TOOLS") + u"/order-XXXXXX"_s);
+    const QString answer = order.filePath(u"answer"_s);
+    QFile request(order.filePath(u"request.new"_s));
+    if (!request.open(QIODevice::WriteOnly))
+        return {-1, u"FOLIDEX_TOOLS names no folder to order tools in: "_s + request.errorString()};
+    request.write((QStringList{tool} + arguments).join(u'\n').toUtf8());
+    request.close();
+    if (!request.rename(order.filePath(u"request"_s)) ||
+        !QTest::qWaitFor([&] { return QFileInfo::exists(answer); }, kPatience))
+        return {-1, tool + u": nobody answers in FOLIDEX_TOOLS"_s};
+    QFile said(answer);
+    if (!said.open(QIODevice::ReadOnly))
+        return {-1, said.errorString()};
+    const int exit_code = said.readLine().trimmed().toInt();
+    return {exit_code, QString::fromUtf8(said.readAll())};
+}
+
+bool is_private(const QFileInfo& file) {
+    const QString profile = QDir::fromNativeSeparators(qEnvironmentVariable("USERPROFILE")) + u'/';
+    return file.exists() && file.absoluteFilePath().startsWith(profile, Qt::CaseInsensitive);
 }
 
 void fail_quietly() {

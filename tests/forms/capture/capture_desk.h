@@ -7,6 +7,7 @@
 #include "capture/frmScanNew.h"
 #include "common/error_trap.h"
 #include "common/message_box.h"
+#include "common/paths.h"
 #include "controls/date_picker.h"
 #include "controls/grid.h"
 #include "controls/tag_combo.h"
@@ -83,7 +84,7 @@ public:
     void fill_in(const QString& text, const QString& tag);
 
     QString temporary_scan() const {
-        return station.app_data() + QStringLiteral("/current_scan.pdf");
+        return join_path(station.app_data(), QStringLiteral("current_scan.pdf"));
     }
     /// The text of a filed PDF, "<none>" when there is none.
     QString filed(const QString& location, const QString& name) const;

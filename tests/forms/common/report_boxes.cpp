@@ -7,6 +7,7 @@
 #include "common/crash_filter.h"
 #include "common/error_trap.h"
 #include "common/message_box.h"
+#include "tests/support/test_system.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -15,7 +16,6 @@
 #include <QTimer>
 #include <cstdio>
 #include <cstring>
-#include <sys/resource.h>
 
 using namespace folidex;
 
@@ -76,8 +76,7 @@ void show_form(const char* how) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const rlimit no_core{0, 0};
-    setrlimit(RLIMIT_CORE, &no_core);
+    test::fail_quietly();
     QApplication application(argc, argv);
     show_report = [](const Report& report) {
         message_box(report.prompt(), kCriticalIcon, QString::fromLatin1(kReportTitle));

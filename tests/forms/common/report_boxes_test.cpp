@@ -40,7 +40,8 @@ void ReportBoxesTest::a_failing_form_shows_a_box_for_each_procedure_and_ends_the
     const QString passed_on = QStringLiteral("Application-defined or object-defined error (65535)");
     const QStringList expected{box, text.arg(QStringLiteral("fill_grid"), failure), box,
                                text.arg(QStringLiteral("Form_Load"), passed_on)};
-    QCOMPARE(QString::fromUtf8(child.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts),
+    QCOMPARE(QString::fromUtf8(child.readAllStandardOutput().replace('\r', ""))
+                 .split(u'\n', Qt::SkipEmptyParts),
              expected);
     QCOMPARE(child.exitStatus(), QProcess::NormalExit);
     QCOMPARE(child.exitCode(), 255);

@@ -141,7 +141,7 @@ private Q_SLOTS:
 
     void a_new_folder_gets_the_template_and_start_up_runs_again() {
         open();
-        enter_new_folder(root_->path(), u"Docs"_s);
+        enter_new_folder(QDir::toNativeSeparators(root_->path()), u"Docs"_s);
         press("cmdSave");
         QCOMPARE(started_again_, 1);
         QCOMPARE(DataFolder, at(u"Docs"_s));
@@ -156,7 +156,8 @@ private Q_SLOTS:
     void one_trailing_separator_is_taken_off_location_and_folder() {
         open();
         const QChar separator = QDir::separator();
-        enter_new_folder(root_->path() + separator, u"Docs"_s + separator);
+        enter_new_folder(QDir::toNativeSeparators(root_->path()) + separator,
+                         u"Docs"_s + separator);
         press("cmdSave");
         QCOMPARE(DataFolder, at(u"Docs"_s));
         QCOMPARE(recorded(), at(u"Docs"_s));
@@ -166,7 +167,7 @@ private Q_SLOTS:
     void an_existing_folder_name_is_refused_and_nothing_is_written() {
         create_folder_at(at(u"Docs"_s));
         open();
-        enter_new_folder(root_->path(), u"Docs"_s);
+        enter_new_folder(QDir::toNativeSeparators(root_->path()), u"Docs"_s);
         PlannedBoxes boxes;
         boxes.expect(u"Folder already exists. Please choose another location or folder name."_s,
                      kInformationIcon, u"Error"_s);
@@ -249,7 +250,7 @@ private Q_SLOTS:
     void a_missing_template_is_reported_and_the_folder_stays_unrecorded() {
         QVERIFY(QFile::remove(program_folder() + u"/dbm.mdb"_s));
         open();
-        enter_new_folder(root_->path(), u"Docs"_s);
+        enter_new_folder(QDir::toNativeSeparators(root_->path()), u"Docs"_s);
         int ended = 0;
         end_program = [&](const Error&) { ++ended; };
         PlannedBoxes boxes;

@@ -6,6 +6,7 @@
 #include "platform/safe_file.h"
 
 #include <QTest>
+#include <filesystem>
 
 using namespace folidex;
 using namespace Qt::StringLiterals;
@@ -145,19 +146,22 @@ private Q_SLOTS:
     void saving_never_writes_into_the_old_file() {
         const QByteArray old = "<folidex><a>1</a></folidex>";
         write_file(file(), old);
-        QFile reader(file());
-        QVERIFY(reader.open(QIODevice::ReadOnly));
+        // A second name of the same file: another station that has just opened it.
+        const QString other = folder_->filePath(u"other"_s);
+        std::filesystem::create_hard_link(file().toStdU16String(), other.toStdU16String());
         PreferencesDocument document;
         QVERIFY(document.load(file()));
         document.set_child_text(u"a"_s, u"2"_s);
         QCOMPARE(reloaded(document).child_text(u"a"_s), u"2"_s);
+        QFile reader(other);
+        QVERIFY(reader.open(QIODevice::ReadOnly));
         QCOMPARE(reader.readAll(), old);
         QCOMPARE(QDir(folder_->path()).entryList(QDir::Files | QDir::Hidden),
-                 QStringList{u"p.xml"_s});
+                 (QStringList{u"other"_s, u"p.xml"_s}));
     }
 
     void saving_reports_the_path_that_cannot_be_written() {
-        AppDataFolder = folder_->filePath(u"gone"_s);
+        AppDataFolder = QDir::toNativeSeparators(folder_->filePath(u"gone"_s));
         QList<Report> reports;
         show_report = [&](const Report& report) { reports << report; };
         Preferences().set_root_tag(u"folidex"_s);
@@ -179,7 +183,7 @@ private Q_SLOTS:
     }
 
     void the_document_path_follows_the_shared_layout() {
-        DataFolder = u"/data"_s;
+        DataFolder = QDir::toNativeSeparators(u"/data"_s);
         QCOMPARE(document_path(u"1009"_s, u"a.pdf"_s),
                  QDir::toNativeSeparators(u"/data/scanned_files/1009/a.pdf"_s));
     }

@@ -8,7 +8,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 
 namespace folidex::testing {
 
@@ -64,17 +63,9 @@ PixelMap read_pixel_map(const QString& path) {
     return map;
 }
 
-Said run(const QString& program, const QStringList& arguments) {
-    QProcess process;
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(program, arguments);
-    if (!process.waitForFinished(100'000) || process.exitStatus() != QProcess::NormalExit)
-        return {-1, program + QStringLiteral(": ") + process.errorString()};
-    return {process.exitCode(), QString::fromUtf8(process.readAll())};
-}
-
 QString complaints(const QString& pdf) {
-    const Said said = run(QStringLiteral("qpdf"), {QStringLiteral("--check"), pdf});
+    const test::Said said =
+        test::run_tool(QStringLiteral("qpdf"), {QStringLiteral("--check"), pdf});
     const bool clean = said.exit_code == 0 &&
                        said.text.contains(QStringLiteral("No syntax or stream encoding errors")) &&
                        !said.text.contains(QStringLiteral("WARNING"));
@@ -84,7 +75,8 @@ QString complaints(const QString& pdf) {
 QStringList extract_pictures(const QString& pdf, const QString& folder,
                              const QStringList& options) {
     QDir().mkpath(folder);
-    const Said said = run(QStringLiteral("pdfimages"), options + QStringList{pdf, folder + u'/'});
+    const test::Said said =
+        test::run_tool(QStringLiteral("pdfimages"), options + QStringList{pdf, folder + u'/'});
     if (said.exit_code != 0 || !said.text.isEmpty()) {
         qWarning("pdfimages: %s", qPrintable(said.text));
         return {};

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "capture/scanner/page.h"
+#include "tests/support/test_system.h"
 
 #include <QByteArray>
 #include <QString>
@@ -30,12 +31,6 @@ struct PixelMap {
 };
 PixelMap read_pixel_map(const QString& path);
 
-/// What a program said on both channels, and how it ended.
-struct Said {
-    int exit_code = -1;
-    QString text;
-};
-Said run(const QString& program, const QStringList& arguments);
 /// What qpdf found wrong with a file; empty when it is in order.
 QString complaints(const QString& pdf);
 /// The pictures in a PDF, in the order of its pages, as files of a folder;

@@ -1,15 +1,14 @@
 // SPDX-FileCopyrightText: The Folidex authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Scans made-up pages into a spool and a PDF, in a process whose limits and peak the caller
-// controls and reads:
-//   pages_probe pdf <1-bit|grey|colour> <pages> <path>   prints the peak of its memory in KB
-//   pages_probe spool <pages> <bytes a page>             prints what became of the pages
+// pages_probe <1-bit|grey|colour> <pages> <path>: scans made-up pages into a spool and a PDF, and
+// prints the peak of its memory in KB.
 
 #include "capture/scanner/page_encoder.h"
 #include "capture/scanner/page_spool.h"
 #include "capture/scanner/pdf_writer.h"
 #include "common/error.h"
+#include "tests/support/test_system.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -45,15 +44,6 @@ EncodedPage scan_page(PixelType type, quint32 seed) {
     return encoder.finish();
 }
 
-QByteArray peak_memory() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (status.open(QIODevice::ReadOnly))
-        for (const QByteArray& line : status.readAll().split('\n'))
-            if (line.startsWith("VmHWM:"))
-                return line.mid(6).trimmed().split(' ').first();
-    return "unknown";
-}
-
 void make_pdf(PixelType type, int pages, const QString& path) {
     PageSpool spool;
     for (int i = 0; i < pages; ++i)
@@ -65,27 +55,7 @@ void make_pdf(PixelType type, int pages, const QString& path) {
     for (int i = 1; i <= spool.count(); ++i)
         writer.add_page(spool.page(i));
     writer.finish();
-    QTextStream(stdout) << peak_memory() << '\n';
-}
-
-void fill_spool(int pages, int bytes) {
-    PageSpool spool;
-    QTextStream out(stdout);
-    try {
-        for (int i = 0; i < pages; ++i) {
-            EncodedPage page{EncodedPage::Filter::kGroup4, PixelType::kBilevel, 1, 1, 1, 1, {}};
-            page.data = QByteArray(bytes, static_cast<char>('a' + i));
-            spool.add(page);
-        }
-    } catch (const Error& error) {
-        out << error.description << '\n';
-    }
-    out << "kept";
-    for (int i = 1; i <= spool.count(); ++i) {
-        const QByteArray data = spool.page(i).data;
-        out << ' ' << data.front() << data.count(data.front());
-    }
-    out << '\n';
+    QTextStream(stdout) << test::peak_memory_kb() << '\n';
 }
 
 } // namespace
@@ -94,11 +64,7 @@ int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     try {
-        if (arguments.value(1) == QStringLiteral("pdf"))
-            make_pdf(pixel_type(arguments.value(2)), arguments.value(3).toInt(),
-                     arguments.value(4));
-        else
-            fill_spool(arguments.value(2).toInt(), arguments.value(3).toInt());
+        make_pdf(pixel_type(arguments.value(1)), arguments.value(2).toInt(), arguments.value(3));
     } catch (const Error& error) {
         QTextStream(stderr) << error.description << '\n';
         return 1;

@@ -128,7 +128,9 @@ void TestGroup4::black_is_black_on_the_page() {
     const QString picture = folder_.filePath(QStringLiteral("black"));
     const QStringList options{QStringLiteral("-r"), QStringLiteral("72"), QStringLiteral("-gray"),
                               QStringLiteral("-singlefile")};
-    QCOMPARE(run(QStringLiteral("pdftoppm"), options + QStringList{pdf, picture}).exit_code, 0);
+    QCOMPARE(
+        test::run_tool(QStringLiteral("pdftoppm"), options + QStringList{pdf, picture}).exit_code,
+        0);
     const PixelMap map = read_pixel_map(picture + QStringLiteral(".pgm"));
     QCOMPARE(map.width, 72);
     QCOMPARE(map.height, 144);

@@ -8,6 +8,7 @@
 
 #include "common/crash_filter.h"
 #include "common/error_trap.h"
+#include "tests/support/test_system.h"
 
 #include <QCoreApplication>
 #include <QString>
@@ -15,7 +16,6 @@
 #include <cstring>
 #include <map>
 #include <string>
-#include <sys/resource.h>
 
 using namespace folidex;
 using namespace folidex::test;
@@ -42,11 +42,8 @@ void in_a_procedure(const FaultCase& fault) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const rlimit no_core{0, 0};
-    setrlimit(RLIMIT_CORE, &no_core);
-    const rlimit no_endless_loop{20, 20};
-    setrlimit(RLIMIT_CPU, &no_endless_loop);
-    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    fail_quietly();
+    std::setvbuf(stdout, nullptr, _IONBF, 0); // a program that dies writes out nothing more
     show_report = say_report;
     QCoreApplication application(argc, argv);
     const std::string name = argc > 1 ? argv[1] : "";

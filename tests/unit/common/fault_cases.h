@@ -17,6 +17,14 @@ std::map<std::string, FaultCase> cases_in_a_procedure();
 /// Run with nothing around them; they install the filter themselves.
 std::map<std::string, FaultCase> cases_on_their_own();
 
+/// Cases like the first, of faults that only this system has or makes in its own way.
+std::map<std::string, FaultCase> cases_of_this_system();
+/// Puts another handler in place, after which a fault ends the program with code 3.
+void let_another_handler_take_faults();
+/// Lets floating-point conditions (FE_DIVBYZERO...) stop the program, or no longer.
+void unmask(unsigned int conditions);
+void mask_all_conditions();
+
 /// A line on stdout, where the test reads.
 template <class... Args> void say(const char* format, Args... args) {
     std::printf(format, args...);

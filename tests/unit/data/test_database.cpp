@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "app/process_values.h"
+#include "common/paths.h"
 #include "data/database.h"
 #include "tests/support/test_station.h"
 #include "tests/support/test_system.h"
@@ -88,7 +89,7 @@ private slots:
     void a_path_beyond_ASCII_is_opened();
 
 private:
-    QString path(const QString& name) const { return QDir(station_->data_folder()).filePath(name); }
+    QString path(const QString& name) const { return join_path(station_->data_folder(), name); }
     void refused(const QString& file, int number, const QString& words);
 
     std::unique_ptr<TestStation> station_;
@@ -115,7 +116,7 @@ void TestDatabase::the_connection_waits_syncs_and_keeps_its_journal_beside_the_f
 }
 
 void TestDatabase::a_missing_folder_is_a_bad_file_name() {
-    const QString file = path(u"gone/db.mdb"_s);
+    const QString file = join_path(path(u"gone"_s), u"db.mdb"_s);
     const auto error = thrown([&] { Database::open(file); });
     QVERIFY(error);
     QCOMPARE(error->number, 52);
@@ -263,7 +264,9 @@ void TestDatabase::a_read_only_folder_is_reported_at_the_first_write() {
     QCOMPARE(opened->open_recordset(u"Select * from comp"_s).text_at(0), u"1"_s);
     const auto error = thrown([&] { opened->execute(u"UPDATE comp SET NewLink = 2"_s); });
     QVERIFY(error);
-    QCOMPARE(error->number, SQLITE_READONLY_DIRECTORY);
+    // Where rights are no modes SQLite only finds that it cannot make its journal.
+    const bool modes = QDir::separator() == u'/';
+    QCOMPARE(error->number, modes ? SQLITE_READONLY_DIRECTORY : SQLITE_CANTOPEN);
     QVERIFY(error->description.endsWith(file));
     QCOMPARE(opened->open_recordset(u"Select * from comp"_s).text_at(0), u"1"_s);
 }
@@ -383,9 +386,11 @@ void TestDatabase::a_wait_for_the_file_is_felt_and_ends_when_the_file_is_free() 
 }
 
 void TestDatabase::a_path_beyond_ASCII_is_opened() {
-    const QString folder = path(u"Büro 100 % #1? file&x 文書"_s);
+    QString folder = path(u"Büro 100 % #1 file&x Αρχείο 文書 \U0001F4C4"_s);
+    if (QDir::separator() == u'/') // elsewhere a name cannot hold it
+        folder += u'?';
     QVERIFY(QDir().mkpath(folder));
-    const QString file = QDir(folder).filePath(u"db.mdb"_s);
+    const QString file = join_path(folder, u"db.mdb"_s);
     QVERIFY(QFile::copy(template_database(), file));
     const auto opened = Database::open(file);
     QCOMPARE(opened->path(), file);

@@ -143,7 +143,7 @@ void TestLinkNumbers::eight_stations_draw_every_number_once() {
     for (const auto& process : stations)
         QTRY_COMPARE_WITH_TIMEOUT(process->canReadLine(), true, 30000);
     for (const auto& process : stations) {
-        QCOMPARE(process->readLine(), QByteArray("ready\n"));
+        QCOMPARE(process->readLine().trimmed(), QByteArray("ready"));
     }
     for (const auto& process : stations) {
         process->write("go\n");
