@@ -25,7 +25,6 @@ QList<SystemEnding> endings_of_this_system() {
         {"another thread", {}, 0, crash(EXCEPTION_ACCESS_VIOLATION)},
         {"breakpoint on another thread", {}, 0, crash(EXCEPTION_BREAKPOINT)},
         {"exception on another thread", {}, kAborted, 0},
-        {"lost stack", {}, 0, crash(EXCEPTION_ACCESS_VIOLATION)},
         {"no trap armed", {QStringLiteral("trap disarmed")}, 0, crash(EXCEPTION_ACCESS_VIOLATION)},
         {"fault that the system deals with",
          {QStringLiteral("bad memory: 1"), QStringLiteral("ENDED WELL")},
