@@ -12,7 +12,7 @@
 
 namespace folidex::twain {
 
-/// The states of TWAIN 2.5 specification, chapter 2, from the manager on.
+/// The states of TWAIN 2.5, chapter 2, from the manager on.
 enum class State {
     kManagerOpen = 3,
     kSourceOpen = 4,

@@ -5,8 +5,8 @@
 
 #include "capture/scanner/twain/twain_types.h"
 
-/// The numbers of the public TWAIN interface that are used here: TWAIN 2.5 specification, chapters
-/// 7, 8, 10 and 11, with its names.
+/// The numbers of the public TWAIN interface that are used here: the TWAIN 2.5 standard,
+/// chapters 7, 8, 10 and 11, with its names.
 namespace folidex::twain {
 
 /// Groups of operations, and what an identity can do.

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The structures of the public TWAIN interface, as far as they are used here: TWAIN 2.5
-/// specification, chapter 8, with its names. On Windows all of them are packed to 2 bytes; handles
+/// The structures of the public TWAIN interface, as far as they are used here: the TWAIN
+/// 2.5 standard, chapter 8, with its names. On Windows all of them are packed to 2 bytes; handles
 /// and pointers have the word size of the program. The numbers stand in twain_codes.h.
 namespace folidex::twain {
 

@@ -18,7 +18,7 @@ class RobotPlugin : public QGenericPlugin {
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "robot.json")
 
 public:
-    QObject* create(const QString& name, const QString& specification) override;
+    QObject* create(const QString& name, const QString& options) override;
 };
 
 /// The connection to the test: a question a line, an answer a line, in JSON.
