@@ -36,6 +36,8 @@ constexpr char kInputEnded = '\0';
 constexpr std::uint32_t kRowsAtATime = 30;
 
 std::filesystem::path g_folder;
+/// "scan64", as it stands in front of all that this helper notes.
+std::string g_task;
 std::mutex g_mutex;
 std::deque<char> g_commands;
 bool g_deaf = false;
@@ -44,9 +46,10 @@ std::uint32_t g_pages = 0;
 std::uint32_t g_rows = 0;
 PageHeader g_page{};
 
-void note(const std::string& line) {
+/// Several helpers write into one log, each line at once.
+void note(const std::string& what) {
     const std::lock_guard lock(g_mutex);
-    std::ofstream(g_folder / "log", std::ios::app) << line << '\n' << std::flush;
+    std::ofstream(g_folder / "log", std::ios::app) << g_task + what + '\n' << std::flush;
 }
 
 void write(const void* bytes, std::size_t size) {
@@ -69,7 +72,7 @@ template <class T> void frame(Kind kind, const T& payload) {
 }
 
 [[noreturn]] void leave(int code) {
-    note("left with " + std::to_string(code));
+    note(": left with " + std::to_string(code));
     std::_Exit(code);
 }
 
@@ -82,7 +85,7 @@ void read_commands() {
     for (;;) {
         const int got = std::getchar();
         const char command = got == EOF ? kInputEnded : static_cast<char>(got);
-        note(got == EOF ? "input ended" : std::string("command ") + command);
+        note(got == EOF ? ": input ended" : std::string(": command ") + command);
         {
             const std::lock_guard lock(g_mutex);
             g_commands.push_back(command);
@@ -122,7 +125,7 @@ char wait_for_command() {
 
 /// Waits for a gate that the test opens, with a sign of life at every look when alive.
 void wait_for_gate(const std::string& name, bool alive) {
-    note("at " + name);
+    note(": at " + name);
     const auto end = std::chrono::steady_clock::now() + kLongestHang;
     while (!std::filesystem::exists(g_folder / name)) {
         if (std::chrono::steady_clock::now() > end)
@@ -136,7 +139,7 @@ void wait_for_gate(const std::string& name, bool alive) {
 
 void hang() {
     g_deaf = true;
-    note("hangs");
+    note(": hangs");
     std::this_thread::sleep_for(kLongestHang);
     leave(9);
 }
@@ -290,13 +293,13 @@ int main(int argc, char** argv) {
     _setmode(_fileno(stdout), _O_BINARY);
 #endif
     g_folder = argv[1];
-    const std::string task = std::string(argv[3]) + argv[2];
-    std::string call = task;
+    g_task = std::string(argv[3]) + argv[2];
+    std::string arguments;
     for (int k = 4; k < argc; ++k)
-        call += std::string(" ") + argv[k];
-    note(call);
+        arguments += std::string(" ") + argv[k];
+    note(arguments);
     std::thread(read_commands).detach();
-    std::ifstream script(g_folder / task);
+    std::ifstream script(g_folder / g_task);
     if (!script) {
         done(Outcome::kNoManager);
         leave(0);

@@ -31,8 +31,9 @@ public:
 
     void put_file(const QString& name, const QByteArray& content) const;
     void open_gate(const QString& name) const { put_file(name, {}); }
-    /// What the helpers were told and did: their command lines, "command a", "at GATE", "hangs",
-    /// "input ended", "left with 0".
+    /// What the helpers were told and did: their command lines as "scan64 --index 0 ...", then
+    /// "scan64: command a", "scan64: at GATE", "scan64: hangs", "scan64: input ended",
+    /// "scan64: left with 0". Helpers run side by side: a list may be leaving while a scan begins.
     QStringList log() const;
     bool noted(const QString& line) const { return log().contains(line); }
 

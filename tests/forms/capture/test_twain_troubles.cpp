@@ -167,7 +167,7 @@ private Q_SLOTS:
         desk_->describe(u"Typed before"_s);
         QElapsedTimer clock;
         const auto cancel = [&] {
-            QVERIFY(wait_until([this] { return desk_->twain.noted(u"hangs"_s); }));
+            QVERIFY(wait_until([this] { return desk_->twain.noted(u"scan64: hangs"_s); }));
             QVERIFY(wait_until(
                 [&] { return heading() == shown && progress_control("cmdCancelScan"); }));
             clock.start();
@@ -181,14 +181,14 @@ private Q_SLOTS:
         QVERIFY2(clock.elapsed() < 5000, "the user was kept waiting");
         QTRY_VERIFY(!progress_window());
         unchanged();
-        QVERIFY(!desk_->twain.noted(u"left with 9"_s));
+        QVERIFY(!desk_->twain.noted(u"scan64: left with 9"_s));
     }
 
     void a_driver_that_answers_again_is_left_to_the_user() {
         desk_->twain.settings.silence = std::chrono::milliseconds(300);
         desk_->open_listed();
         desk_->while_scanning([&] {
-            QVERIFY(wait_until([this] { return desk_->twain.noted(u"at quiet"_s); }));
+            QVERIFY(wait_until([this] { return desk_->twain.noted(u"scan64: at quiet"_s); }));
             QVERIFY(wait_until([] { return progress_window() != nullptr; }));
             desk_->twain.open_gate(u"quiet"_s);
             QVERIFY(wait_until([] { return progress_window() == nullptr; }));
@@ -204,7 +204,7 @@ private Q_SLOTS:
         desk_->describe(u"Typed before"_s);
         desk_->while_scanning([] { TwainDesk::press_when_shown("cmdCancelScan"); });
         desk_->scan_with(kBegin + kPage + kHalfAPage + QStringList{u"gate never"_s});
-        QVERIFY(desk_->twain.noted(u"command c"_s));
+        QVERIFY(desk_->twain.noted(u"scan64: command c"_s));
         QTRY_VERIFY(!progress_window());
         unchanged();
     }
@@ -214,10 +214,11 @@ private Q_SLOTS:
         QTest::addColumn<QList<int>>("widths");
         QTest::addColumn<QString>("command");
         QTest::newRow("continue") << QByteArray("cmdContinue") << QList<int>{100, 100, 200}
-                                  << u"command g"_s;
+                                  << u"scan64: command g"_s;
         QTest::newRow("keep") << QByteArray("cmdKeepPages") << QList<int>{100, 100}
-                              << u"command k"_s;
-        QTest::newRow("discard") << QByteArray("cmdDiscardPages") << QList<int>{} << u"command c"_s;
+                              << u"scan64: command k"_s;
+        QTest::newRow("discard") << QByteArray("cmdDiscardPages") << QList<int>{}
+                                 << u"scan64: command c"_s;
     }
     void a_jam_is_put_to_the_user() {
         QFETCH(QByteArray, button);
