@@ -67,8 +67,9 @@ std::shared_ptr<Database> Database::open(const QString& path) {
     if (!QDir(QFileInfo(path).path()).exists())
         throw Error{kBadFileName, QStringLiteral("Bad file name or number: ") + native(path)};
     sqlite3* handle = nullptr;
+    // Only the main thread asks for data, so SQLite need not lock for every row that it gives.
     const int code = sqlite3_open_v2(path_of_any_length(path).toUtf8().constData(), &handle,
-                                     SQLITE_OPEN_READWRITE, file_system());
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, file_system());
     const std::shared_ptr<Database> database(new Database(handle, path));
     if (code != SQLITE_OK)
         database->fail(code);

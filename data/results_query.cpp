@@ -70,16 +70,22 @@ private:
             .arg(QLatin1String(keyword), query_.from, query_.to);
     }
 
-    qint64 count(const QString& where) {
-        Statement counted(database_, QStringLiteral("SELECT count(*) FROM scans") + where);
-        counted.step();
-        return counted.integer(0);
+    qint64 number(const QString& sql) {
+        Statement select(database_, sql);
+        select.step();
+        return select.integer(0);
+    }
+
+    // Links are drawn one after the other, so their span tells about how many documents there
+    // are; counting would read them all.
+    qint64 documents() {
+        return number(QStringLiteral("SELECT (SELECT max(link) FROM scans) - "
+                                     "(SELECT min(link) FROM scans) + 1"));
     }
 
     bool is_narrow() {
-        documents_ = count({});
-        in_range_ = count(range("WHERE"));
-        return in_range_ * kWideRange < documents_;
+        in_range_ = number(QStringLiteral("SELECT count(*) FROM scans") + range("WHERE"));
+        return in_range_ * kWideRange < documents();
     }
 
     // Goes on collecting; true when all of the tags' rows were read, false after the limit.
@@ -132,9 +138,7 @@ private:
 
     void read_all(Statement& tagged) {
         collect_all(tagged);
-        if (documents_ == 0)
-            documents_ = count({});
-        if (is_far_below(documents_))
+        if (is_far_below(documents()))
             look_up();
         else
             scan();
@@ -194,7 +198,6 @@ private:
     const ResultsQuery& query_;
     RowStore rows_;
     LinkSet links_;
-    qint64 documents_ = 0;
     qint64 in_range_ = 0;
     bool own_transaction_;
 };
