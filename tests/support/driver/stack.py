@@ -16,6 +16,8 @@ from .widget import DriverError
 
 _LIBC = ctypes.CDLL(None)
 _PR_SET_PDEATHSIG = 1
+# Seconds between two looks at what is waited for.
+_PAUSE = 0.02
 
 
 def _end_with_parent():
@@ -32,7 +34,7 @@ def wait_until(condition, what, timeout=60.0):
             return result
         if time.monotonic() > end:
             raise DriverError(f"waited {timeout:.0f} seconds in vain for {what}")
-        time.sleep(0.02)
+        time.sleep(_PAUSE)
 
 
 class Stack:
