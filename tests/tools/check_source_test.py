@@ -140,10 +140,25 @@ class CheckSource(unittest.TestCase):
 
     def test_an_installer_script_or_shared_shell_code_without_licence_is_found(self):
         for name in ("packaging/windows/a.nsi", "packaging/windows/a.nsh", "tools/a.bash"):
-            self.write(name, "Name a\n", head="")
-            code, output = self.check()
-            self.assertEqual(code, 1, name)
-            self.assertIn(f"{name}:1: ", output)
+            self.assert_unlicenced(name)
+
+    def test_a_window_a_document_and_settings_without_licence_are_found(self):
+        for name in ("tags/a.ui", "README.md", "docs/a.md", "tests/support/sane/a.conf"):
+            self.assert_unlicenced(name)
+
+    def test_a_licence_in_a_comment_of_the_language_passes(self):
+        lines = [line.removeprefix("// ") for line in HEAD.splitlines()]
+        note = "".join(f"<!-- {line} -->\n" for line in lines)
+        self.write("README.md", "# A\n", head=note)
+        self.write("tags/a.ui", "<ui/>\n", head='<?xml version="1.0"?>\n' + note)
+        self.write("tests/a.conf", "a\n", head=CMAKE_HEAD)
+        self.assert_clean()
+
+    def assert_unlicenced(self, name):
+        self.write(name, "Name a\n", head="")
+        code, output = self.check()
+        self.assertEqual(code, 1, name)
+        self.assertIn(f"{name}:1: ", output)
 
     def test_a_script_without_licence_is_found(self):
         self.write("tools/a", "#!/bin/bash\nset -euo pipefail\n", head="")
