@@ -4,13 +4,16 @@
 #include "common/message_box.h"
 
 #include "common/box_style.h"
+#include "common/whole_drives.h"
 
 #include <QApplication>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLayout>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 
 namespace folidex {
 
@@ -23,6 +26,12 @@ constexpr qsizetype kLongestText = 1500;
 constexpr qsizetype kMostLines = 24;
 // A run in which no line would be wrapped is broken here, or the box would be as wide as it.
 constexpr qsizetype kLongestRun = 60;
+// How wide the toolkit makes a box: a text that is wider than the usual width is wrapped, and no
+// word makes it wider than the widest, which leaves some of a large screen free.
+constexpr int kUsualWidth = 500;
+constexpr int kWidest = 1000;
+constexpr int kLeftFree = 480;
+constexpr int kSmallScreen = 1024;
 
 std::function<int(const QString&, int, const QString&)> box_presenter;
 std::function<QString(const QString&, const QString&)> input_presenter;
@@ -101,6 +110,27 @@ QMessageBox::Icon icon_of(int style) {
     }
 }
 
+// The text stays as it is, to the letter; the box becomes wider where that keeps a path whole.
+void keep_drives_with_paths(QMessageBox& box, QLabel& label) {
+    box.ensurePolished();
+    const int screen = box.screen()->availableGeometry().width();
+    const int usual = qMin(screen / 2, kUsualWidth);
+    const int widest = screen <= kSmallScreen ? screen : qMin(screen - kLeftFree, kWidest);
+    const int unwrapped = box.layout()->totalMinimumSize().width();
+    if (unwrapped <= usual)
+        return;
+    const QMargins margins = label.contentsMargins();
+    const int frame =
+        margins.left() + margins.right() + 2 * label.margin() + qMax(label.indent(), 0);
+    const int beside = unwrapped - label.minimumSizeHint().width() + frame;
+    label.setWordWrap(true);
+    const int longest_word = label.minimumSizeHint().width() - frame;
+    const int least = qMax(usual - beside, longest_word);
+    const int width = width_that_keeps_drives(label.text(), label.font(), least, widest - beside);
+    if (width > least)
+        label.setMinimumWidth(width + frame);
+}
+
 int show_box(const QString& prompt, int style, const QString& title) {
     const bool yes_no = (style & 0xf) == kYesNo;
     // On the heap: the owner may be destroyed, and the box with it, while it is open.
@@ -120,8 +150,10 @@ int show_box(const QString& prompt, int style, const QString& title) {
         button->setIcon(QIcon());
     box->setDefaultButton(yes_no ? QMessageBox::Yes : QMessageBox::Ok);
     box->setEscapeButton(yes_no ? QMessageBox::No : QMessageBox::Ok);
-    if (auto* label = box->findChild<QLabel*>(u"qt_msgbox_label"_s))
+    if (auto* label = box->findChild<QLabel*>(u"qt_msgbox_label"_s)) {
         label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        keep_drives_with_paths(*box, *label);
+    }
     const int answer = box->exec();
     delete box;
     if (!yes_no)

@@ -12,6 +12,9 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextLayout>
 
 using namespace folidex;
 using namespace Qt::StringLiterals;
@@ -34,6 +37,19 @@ private:
         });
     }
     int looked_ = 0;
+
+    /// The text in the lines that the box shows.
+    static QStringList lines_of(const QMessageBox& box) {
+        const auto* document =
+            box.findChild<QLabel*>(u"qt_msgbox_label"_s)->findChild<QTextDocument*>();
+        QStringList lines;
+        for (QTextBlock block = document->begin(); block.isValid(); block = block.next())
+            for (int i = 0; i < block.layout()->lineCount(); ++i) {
+                const QTextLine line = block.layout()->lineAt(i);
+                lines << block.text().mid(line.textStart(), line.textLength());
+            }
+        return lines;
+    }
 
 private Q_SLOTS:
     void style_decides_icon_and_buttons_data() {
@@ -123,6 +139,7 @@ private Q_SLOTS:
     void long_and_odd_texts_fit_the_screen_and_are_kept_whole_data() {
         QTest::addColumn<QString>("text");
         QTest::newRow("path") << u"/"_s + QString(u"folder/"_s).repeated(60);
+        QTest::newRow("path on a drive") << u"C:\\"_s + QString(u"folder\\"_s).repeated(60);
         QTest::newRow("one long word") << QString(32000, u'x');
         QTest::newRow("many lines") << QString(u"line\n"_s).repeated(500);
         QTest::newRow("emoji") << QString(u"\U0001F4C4"_s).repeated(2000);
@@ -142,6 +159,24 @@ private Q_SLOTS:
         });
         message_box(text, 16, u"Error"_s);
         QCOMPARE(looked_, 1);
+    }
+
+    void a_path_is_not_parted_from_its_drive() {
+        // Longer by a letter each time, so that the line ends everywhere in the path.
+        for (int letters = 1; letters < 40 && !QTest::currentTestFailed(); ++letters) {
+            const QString text =
+                QString(letters, u'x') +
+                u" of P:\\Office\\scanned_files\\1009\\101209143005_57.pdf is open"_s;
+            when_up<QMessageBox>([&](QMessageBox& box) {
+                QCOMPARE(box.text(), text);
+                const QStringList lines = lines_of(box);
+                QCOMPARE(lines.join(QString()), text);
+                for (const QString& line : lines)
+                    QVERIFY2(!line.endsWith(u"P:"), qPrintable(lines.join(u'|')));
+            });
+            message_box(text, 16, u"Error"_s);
+            QCOMPARE(looked_, 1);
+        }
     }
 
     void an_input_box_returns_what_was_typed() {
