@@ -11,12 +11,13 @@
 namespace folidex {
 namespace {
 
-// The folder is named, not the file: the file may have no name, so that it goes even when the
-// program is killed, and asking for one would give it one.
-[[noreturn]] void fail(const QFileDevice& file, const QString& what) {
-    throw Error(system_failure().number,
+// Directly after what failed. The folder is named, because the file has no name that counts.
+[[noreturn]] void fail(const QString& what) {
+    const SystemFailure failure = system_failure();
+    const QString words = failure.words.isEmpty() ? qt_error_string() : failure.words;
+    throw Error(failure.number,
                 QStringLiteral("The scanned page could not be %1 the temporary folder %2: %3")
-                    .arg(what, QDir::toNativeSeparators(QDir::tempPath()), file.errorString()));
+                    .arg(what, QDir::toNativeSeparators(QDir::tempPath()), words));
 }
 
 /// The system's temporary folder. Qt answers with nothing when it is not there, and would then
@@ -36,8 +37,8 @@ PageSpool::PageSpool() = default;
 
 void PageSpool::clear() {
     entries_.clear();
-    if (file_.isOpen())
-        file_.resize(0);
+    if (file_)
+        file_->clear();
 }
 
 qint64 PageSpool::end() const {
@@ -46,20 +47,11 @@ qint64 PageSpool::end() const {
 
 void PageSpool::add(const EncodedPage& page) {
     forget_system_failure();
-    if (!file_.isOpen()) {
-        file_.setFileTemplate(QDir(temporary_folder()).filePath(QStringLiteral("folidex-XXXXXX")));
-        if (!file_.open_unbuffered())
-            fail(file_, QStringLiteral("kept in"));
-    }
+    if (!file_)
+        file_ = ScratchFile::make_in(temporary_folder());
     const qint64 offset = end();
-    if (!file_.seek(offset))
-        fail(file_, QStringLiteral("kept in"));
-    for (qint64 done = 0; done < page.data.size();) {
-        const qint64 step = file_.write(page.data.constData() + done, page.data.size() - done);
-        if (step <= 0)
-            fail(file_, QStringLiteral("kept in"));
-        done += step;
-    }
+    if (!file_ || !file_->write(offset, page.data))
+        fail(QStringLiteral("kept in"));
     Entry entry{page, offset, page.data.size()};
     entry.page.data.clear();
     entries_.push_back(std::move(entry));
@@ -76,10 +68,9 @@ EncodedPage PageSpool::page(int number) {
     const Entry& entry = entries_[static_cast<std::size_t>(number) - 1];
     EncodedPage page = entry.page;
     forget_system_failure();
-    if (file_.seek(entry.offset))
-        page.data = file_.read(entry.size);
+    page.data = file_->read(entry.offset, entry.size);
     if (page.data.size() != entry.size)
-        fail(file_, QStringLiteral("read from"));
+        fail(QStringLiteral("read from"));
     return page;
 }
 

@@ -4,16 +4,17 @@
 #pragma once
 
 #include "capture/scanner/page.h"
+#include "platform/scratch_file.h"
 
-#include <QTemporaryFile>
+#include <memory>
 #include <vector>
 
 namespace folidex {
 
 /// The encoded pages of one acquisition, kept in a temporary file so that memory does not grow
 /// with their number. Pages count from 1. The file is made when the first page comes and goes
-/// with the object. Failures to write or read throw Error with the folder's path;
-/// the pages already kept stay.
+/// with the object, and with the program even when that is killed. Failures to write or read throw
+/// Error with the folder's path; the pages already kept stay.
 class PageSpool {
 public:
     PageSpool();
@@ -28,14 +29,9 @@ private:
         qint64 offset = 0;
         qint64 size = 0;
     };
-    /// Unbuffered, because a page that the disk refuses must not wait in a buffer.
-    class File : public QTemporaryFile {
-    public:
-        bool open_unbuffered() { return open(ReadWrite | Unbuffered); }
-    };
     qint64 end() const;
 
-    File file_;
+    std::unique_ptr<ScratchFile> file_;
     std::vector<Entry> entries_;
 };
 

@@ -3,6 +3,7 @@
 
 // pages_probe <1-bit|grey|colour> <pages> <path>: scans made-up pages into a spool and a PDF, and
 // prints the peak of its memory in KB.
+// pages_probe keep: has a page in a spool, says "kept", and stays until its input ends.
 
 #include "capture/scanner/page_encoder.h"
 #include "capture/scanner/page_spool.h"
@@ -58,13 +59,24 @@ void make_pdf(PixelType type, int pages, const QString& path) {
     QTextStream(stdout) << test::peak_memory_kb() << '\n';
 }
 
+void keep_page() {
+    PageSpool spool;
+    spool.add(scan_page(PixelType::kGray, 1));
+    QTextStream(stdout) << "kept" << Qt::endl;
+    QTextStream(stdin).readAll();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     try {
-        make_pdf(pixel_type(arguments.value(1)), arguments.value(2).toInt(), arguments.value(3));
+        if (arguments.value(1) == QStringLiteral("keep"))
+            keep_page();
+        else
+            make_pdf(pixel_type(arguments.value(1)), arguments.value(2).toInt(),
+                     arguments.value(3));
     } catch (const Error& error) {
         QTextStream(stderr) << error.description << '\n';
         return 1;

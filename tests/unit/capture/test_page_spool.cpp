@@ -6,6 +6,7 @@
 #include "page_tools.h"
 
 #include <QDir>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -23,13 +24,14 @@ private slots:
     void clearing_drops_the_pages_and_the_next_scan_begins_at_one();
     void a_page_that_is_not_there_is_refused();
     void the_file_goes_with_the_spool();
+    void the_file_goes_with_a_program_that_is_killed();
     void nobody_else_can_read_the_file();
     void an_unusable_temporary_folder_is_named();
     void a_full_disk_names_the_folder_and_keeps_the_pages_so_far();
 
 private:
     QStringList temporary_files() const;
-    QFileInfo open_file() const;
+    QFileInfo open_file(const QString& process = QStringLiteral("self")) const;
     std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<test::TemporaryFolder> temporary_;
 };
@@ -46,10 +48,10 @@ QStringList TestPageSpool::temporary_files() const {
     return QDir(folder_->path()).entryList(QDir::Files | QDir::Hidden);
 }
 
-/// The spool's file: among this process's open files on Linux, where it need not have a name.
-QFileInfo TestPageSpool::open_file() const {
+/// The spool's file: among the process's open files on Linux, where it need not have a name.
+QFileInfo TestPageSpool::open_file(const QString& process) const {
     for (const QFileInfo& file :
-         QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::Files | QDir::System))
+         QDir(QStringLiteral("/proc/%1/fd").arg(process)).entryInfoList(QDir::Files | QDir::System))
         if (file.symLinkTarget().startsWith(folder_->path()))
             return file;
     const QFileInfoList named = QDir(folder_->path()).entryInfoList(QDir::Files | QDir::Hidden);
@@ -124,6 +126,18 @@ void TestPageSpool::the_file_goes_with_the_spool() {
     }
     QVERIFY(!open_file().exists());
     QCOMPARE(temporary_files(), QStringList());
+}
+
+void TestPageSpool::the_file_goes_with_a_program_that_is_killed() {
+    QProcess program;
+    program.start(QStringLiteral(PAGES_PROBE), {QStringLiteral("keep")});
+    QVERIFY(program.waitForReadyRead(-1));
+    QCOMPARE(program.readLine().trimmed(), "kept");
+    QVERIFY(open_file(QString::number(program.processId())).size() > 0);
+    program.kill();
+    QVERIFY(program.waitForFinished(-1));
+    QCOMPARE(program.exitStatus(), QProcess::CrashExit);
+    QTRY_COMPARE(temporary_files(), QStringList());
 }
 
 void TestPageSpool::nobody_else_can_read_the_file() {
