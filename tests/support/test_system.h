@@ -65,6 +65,19 @@ private:
     std::unique_ptr<State> state_;
 };
 
+/// While it lives, the system cannot name a folder of all users' application data.
+class NoAllUsersFolder {
+public:
+    NoAllUsersFolder();
+    ~NoAllUsersFolder();
+    NoAllUsersFolder(const NoAllUsersFolder&) = delete;
+    NoAllUsersFolder& operator=(const NoAllUsersFolder&) = delete;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
 /// While it lives, the system names this folder as that of temporary files; it need not exist.
 class TemporaryFolder {
 public:

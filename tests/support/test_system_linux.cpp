@@ -115,6 +115,22 @@ AllUsersFolder::~AllUsersFolder() {
         qputenv("XDG_DATA_HOME", state_->before);
 }
 
+// Neither the environment nor a home names one, and the system's own belongs to superusers.
+struct NoAllUsersFolder::State {
+    QTemporaryDir folder;
+    LimitedRights no_superuser{folder.path(), Rights::kRead};
+    AllUsersFolder none{QString()};
+    QByteArray home = qgetenv("HOME");
+};
+
+NoAllUsersFolder::NoAllUsersFolder() : state_(std::make_unique<State>()) {
+    qputenv("HOME", "/");
+}
+
+NoAllUsersFolder::~NoAllUsersFolder() {
+    qputenv("HOME", state_->home);
+}
+
 TemporaryFolder::TemporaryFolder(const QString& path) : before_(qgetenv("TMPDIR")) {
     qputenv("TMPDIR", QFile::encodeName(path));
 }

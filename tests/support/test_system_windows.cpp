@@ -134,6 +134,18 @@ AllUsersFolder::~AllUsersFolder() {
     State::set(state_->before.data());
 }
 
+// Windows names no folder that is not there.
+struct NoAllUsersFolder::State {
+    QTemporaryDir folder;
+    AllUsersFolder gone{folder.path()};
+};
+
+NoAllUsersFolder::NoAllUsersFolder() : state_(std::make_unique<State>()) {
+    state_->folder.remove();
+}
+
+NoAllUsersFolder::~NoAllUsersFolder() = default;
+
 TemporaryFolder::TemporaryFolder(const QString& path) : before_(qgetenv("TMP")) {
     qputenv("TMP", QDir::toNativeSeparators(path).toLocal8Bit());
 }

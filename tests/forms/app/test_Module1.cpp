@@ -265,6 +265,18 @@ private Q_SLOTS:
         QCOMPARE(ended_, 1);
     }
 
+    void a_machine_without_a_folder_of_all_users_is_reported_to_the_end() {
+        const NoAllUsersFolder none;
+        PlannedBoxes boxes;
+        boxes.expect_report(u"Utilities"_s, u"SpecialFolder"_s, 513);
+        boxes.expect_report(u"Module1"_s, u"Main"_s, kPassedOn);
+        start();
+        QVERIFY(boxes.verify());
+        QCOMPARE(ended_, 1);
+        QVERIFY(windows(u"frmMain"_s).isEmpty());
+        QVERIFY(windows(u"frmLocateDatabase"_s).isEmpty());
+    }
+
     void no_data_folder_leaves_no_message_and_no_connection() {
         start();
         QVERIFY(DbOpenError.isEmpty());
