@@ -4,7 +4,8 @@
 ; The installer for all users of a workstation; ./build-windows makes it with
 ;   makensis -DVERSION=N.N.N -DSTAGE=FOLDER -DICON=FILE -DSIDE=BITMAP -DOUTPUT=FILE folidex.nsi
 ; Switches: /S silent, /D=FOLDER where to (the last switch, without quotes). Exit codes: 0 done,
-; 1 cancelled, 2 failed, 3 the program is running, 4 Windows is too old.
+; 1 cancelled, 2 failed, 3 the program is running, 4 Windows is too old, 5 done, but not every user
+; may write in the folder that all share.
 
 Unicode true
 ; The program is for 64-bit Windows alone, and so is its installer.
@@ -32,6 +33,9 @@ AllowSkipFiles off
 !define EXIT_FAILED 2
 !define EXIT_RUNNING 3
 !define EXIT_TOO_OLD 4
+!define EXIT_NOT_SHARED 5
+; What a silent installation could not tell anybody.
+!define LOG "$TEMP\folidex-setup.log"
 
 !include install_steps.nsh
 
@@ -152,10 +156,16 @@ Function share_folder
       /grant "${USERS_MAY_MODIFY}" /Q'
   Pop $R0
   Pop $R1
+  Delete "${LOG}"
   ${If} $R0 != 0
-    MessageBox MB_OK|MB_ICONEXCLAMATION "Folidex is installed, but not every user of this \
-        workstation may write in $APPDATA\${SHARED_FOLDER} (icacls: $R0). Give them the right \
-        to modify that folder.$\r$\n$\r$\n$R1" /SD IDOK
+    StrCpy $R2 "Folidex is installed, but not every user of this workstation may write in \
+        $APPDATA\${SHARED_FOLDER} (icacls: $R0). Give them the right to modify that folder.\
+        $\r$\n$\r$\n$R1"
+    SetErrorLevel ${EXIT_NOT_SHARED}
+    FileOpen $R3 "${LOG}" w
+    FileWriteUTF16LE /BOM $R3 "Folidex ${VERSION}$\r$\n$R2$\r$\n"
+    FileClose $R3
+    MessageBox MB_OK|MB_ICONEXCLAMATION $R2 /SD IDOK
   ${EndIf}
 FunctionEnd
 

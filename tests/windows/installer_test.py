@@ -24,7 +24,7 @@ SHORTCUT = "ProgramData/Microsoft/Windows/Start Menu/Programs/Folidex.lnk"
 PREFERENCES = "ProgramData/Brightmoor/folidex_Preferences.xml"
 FIRST_WINDOW = "Tell folidex where your data folder is."
 LIST = "installed-files.txt"
-RUNNING, FAILED, TOO_OLD = 3, 2, 4
+RUNNING, FAILED, TOO_OLD, NOT_SHARED = 3, 2, 4, 5
 
 SETUP = wine_case.setup()
 STAGE = SETUP.parent / "folidex"
@@ -240,12 +240,27 @@ class Installer(unittest.TestCase):
         self.assertEqual(self.install(r"C:\Archive"), FAILED)
         self.assert_nothing_is_installed()
 
-    def test_rights_that_cannot_be_given_do_not_stop_the_installation(self):
+    def logs(self):
+        """What silent installations left to read."""
+        return [path.read_text("utf-16") for path in self.drive.rglob("folidex-setup.log")]
+
+    def test_rights_that_cannot_be_given_are_told_and_do_not_stop_the_installation(self):
+        usual = self.station.environment["WINEDLLOVERRIDES"]
         # A Windows that cannot start the tool which gives them.
-        self.station.environment["WINEDLLOVERRIDES"] += ";icacls.exe="
-        self.assertEqual(self.install(), 0)
+        self.station.environment["WINEDLLOVERRIDES"] = usual + ";icacls.exe="
+        self.assertEqual(self.install(), NOT_SHARED)
         self.assertEqual(self.registered()["DisplayVersion"], VERSION)
-        self.station.start(self.folder / "folidex.exe")
+        self.assertTrue((self.drive / SHORTCUT).is_file())
+        (log,) = self.logs()
+        self.assertIn(f"Folidex {VERSION}", log)
+        self.assertIn(r"not every user of this workstation may write in C:\ProgramData\Brightmoor",
+                      log)
+        program = self.station.start(self.folder / "folidex.exe")
+        self.station.machine.end()
+        self.station.wait_for_end(program)
+        self.station.environment["WINEDLLOVERRIDES"] = usual
+        self.assertEqual(self.install(), 0)
+        self.assertEqual(self.logs(), [])
 
     def test_the_portable_archive_runs_where_it_was_unpacked(self):
         archive = SETUP.with_name(f"Folidex-{VERSION}-portable.zip")
