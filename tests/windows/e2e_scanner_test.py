@@ -3,10 +3,13 @@
 # SPDX-License-Identifier: Apache-2.0
 """Trouble with scanners, as whoever sits before the capture form sees it."""
 
+import os
+import signal
 import time
 
 import wine_case
 from driver.robot import BUTTON
+from driver.stack import wait_until
 
 
 class Trouble(wine_case.WineCase):
@@ -59,6 +62,23 @@ class Trouble(wine_case.WineCase):
         self.assertLess(time.monotonic() - began, 3)
         self.assertNotIn("enabled", self.robot.find(BUTTON, "Scan", capture).states)
         self.finish(capture)
+
+    def helpers(self):
+        """The numbers of the 64-bit helpers that run."""
+        return [number for number, command in self.station.processes()
+                if "folidex-twain64.exe" in command]
+
+    def test_a_helper_whose_driver_hangs_goes_with_a_program_that_is_killed(self):
+        self.scanners.connect(64, "Flatbed", Flatbed={"hang": "enable"})
+        self.clerk.choose_scanner(self.open_capture(), "Flatbed")
+        self.robot.wait(lambda: "Flatbed enable with its window" in self.scanners.log(64),
+                        "the driver to hang")
+        self.robot.wait(lambda: len(self.helpers()) == 1, "those that listed sources to end")
+        (helper,) = self.helpers()
+        # A process that is held can do nothing for its own end; only the system ends it.
+        os.kill(helper, signal.SIGSTOP)
+        self.robot.process.kill()
+        wait_until(lambda: not self.helpers(), "the helper to go")
 
     def test_a_machine_without_scanners_says_so(self):
         self.scanners.disconnect_wines_own()
