@@ -85,7 +85,7 @@ void BackgroundScanner::set_scan_until_empty(bool on) {
 ScanProgress& BackgroundScanner::progress(QWidget* parent) {
     if (!progress_ || !progress_->isVisible()) {
         delete progress_;
-        progress_ = new ScanProgress(name_, parent);
+        progress_ = new ScanProgress(name_, parent, patience_);
     }
     return *progress_;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "capture/scanner/page_spool.h"
+#include "capture/scanner/scan_patience.h"
 #include "capture/scanner/scan_progress.h"
 #include "capture/scanner/scan_wishes.h"
 #include "capture/scanner/scanner.h"
@@ -23,6 +24,9 @@ namespace folidex {
 class BackgroundScanner : public Scanner {
 public:
     ~BackgroundScanner() override;
+
+    /// Before sources are asked for; a seam for tests.
+    void set_patience(const ScanPatience& patience) { patience_ = patience; }
 
     int source_count() override;
     void on_sources_changed(std::function<void()> handler) override;
@@ -62,6 +66,7 @@ protected:
     std::optional<int> current_source() const;
     bool is_known(int source) const { return source >= 0 && source < known_sources(); }
     const ScanWishes& wishes() const { return wishes_; }
+    const ScanPatience& patience() const { return patience_; }
     /// The name that progress and failures show.
     void set_name(const QString& name) { name_ = name; }
     const QString& name() const { return name_; }
@@ -80,6 +85,7 @@ private:
     void look_for_late_sources();
 
     std::shared_ptr<ScannerThread> thread_;
+    ScanPatience patience_;
     bool searched_ = false;
     QTimer late_;
     std::function<void()> sources_changed_;

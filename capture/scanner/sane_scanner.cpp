@@ -11,12 +11,6 @@
 
 namespace folidex {
 
-namespace {
-
-constexpr std::chrono::milliseconds kWaitForLocal{900};
-
-} // namespace
-
 std::unique_ptr<Scanner> make_system_scanner() {
     return std::make_unique<SaneScanner>(SaneSession::system());
 }
@@ -30,7 +24,7 @@ SaneScanner::~SaneScanner() {
 
 void SaneScanner::begin_search() {
     search_ = SaneDeviceList::search(*session_);
-    search_->wait_for_local(kWaitForLocal);
+    search_->wait_for_local(patience().first_answer);
 }
 
 QString SaneScanner::source_name(int k) {

@@ -19,10 +19,6 @@ namespace folidex {
 
 namespace {
 
-constexpr int kFollowEvery = 40;
-constexpr int kNudgeAfter = 500;
-// Together with one round of following, the window is gone two seconds after Cancel.
-constexpr int kGiveUpAfter = 1800;
 constexpr int kSteps = 1000;
 constexpr int kTroubleLines = 4;
 constexpr int kLoopLeft = 1;
@@ -50,7 +46,8 @@ QString heading(const ScanControl::State& state) {
 
 } // namespace
 
-ScanProgress::ScanProgress(const QString& source, QWidget* parent) : QDialog(parent) {
+ScanProgress::ScanProgress(const QString& source, QWidget* parent, const ScanPatience& patience)
+    : QDialog(parent), patience_(patience) {
     setObjectName(QStringLiteral("ScanProgress"));
     setWindowTitle(QStringLiteral("Scanning"));
     setAccessibleName(windowTitle());
@@ -212,11 +209,12 @@ void ScanProgress::follow() {
         if (loop_)
             loop_->exit(kLoopLeft);
     }
-    if (since_cancel_.isValid() && since_cancel_.hasExpired(kGiveUpAfter)) {
-        leave(Outcome::kNoAnswer);
-    } else if (nudge_ && since_cancel_.isValid() && since_cancel_.hasExpired(kNudgeAfter)) {
+    if (!since_cancel_.isValid())
+        return;
+    if (nudge_ && since_cancel_.hasExpired(patience_.nudge.count()))
         std::exchange(nudge_, {})();
-    }
+    if (since_cancel_.hasExpired(patience_.give_up.count()))
+        leave(Outcome::kNoAnswer);
 }
 
 void ScanProgress::leave(Outcome outcome) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "capture/scanner/scan_control.h"
+#include "capture/scanner/scan_patience.h"
 
 #include <QDialog>
 #include <QElapsedTimer>
@@ -22,21 +23,23 @@ namespace folidex {
 /// The window over a form while the scanner works: which source, which page, how much of it,
 /// Cancel; after a jam or an open cover what to do about it. While the source shows a window of
 /// its own this one stays away, unless the source falls silent; the form is out of reach all the
-/// same. run() follows one operation to its end, and no longer than two seconds after Cancel.
-/// UI thread.
+/// same. run() follows one operation to its end, and after Cancel no longer than its patience
+/// lasts. UI thread.
 class ScanProgress : public QDialog {
     Q_OBJECT
 
 public:
     enum class Outcome { kEnded, kNoAnswer };
     static constexpr int kNever = -1;
+    /// How often it looks at the operation.
+    static constexpr std::chrono::milliseconds kFollowEvery{40};
 
-    ScanProgress(const QString& source, QWidget* parent);
+    ScanProgress(const QString& source, QWidget* parent, const ScanPatience& patience = {});
     ~ScanProgress() override;
 
     /// Returns when the operation is done, or when it did not end in time after Cancel. Comes
     /// up after so many milliseconds (kNever: only for a question). nudge is called once when
-    /// the operation has not ended half a second after Cancel.
+    /// the operation goes on after Cancel, and before it is left behind in any case.
     Outcome run(std::shared_ptr<ScanControl> operation, int show_after,
                 std::function<void()> nudge = {});
     /// Closes the window once the event loop is reached, unless another run() began by then.
@@ -76,6 +79,7 @@ private:
     /// A modal window that is nowhere to be seen: it keeps input from the form.
     QDialog* shield;
 
+    const ScanPatience patience_;
     std::shared_ptr<ScanControl> operation_;
     std::function<void()> nudge_;
     int show_after_ = 0;

@@ -30,7 +30,7 @@ TwainScanner::~TwainScanner() {
 
 void TwainScanner::begin_search() {
     session_->sources().search();
-    session_->sources().wait(session_->settings().first_answer);
+    session_->sources().wait(patience().first_answer);
 }
 
 bool TwainScanner::searching() const {

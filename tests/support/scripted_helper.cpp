@@ -22,6 +22,9 @@
 #ifdef _WIN32
 #include <fcntl.h>
 #include <io.h>
+#include <process.h>
+#else
+#include <unistd.h>
 #endif
 
 using namespace folidex::twain;
@@ -29,8 +32,9 @@ using namespace folidex::twain;
 namespace {
 
 constexpr std::chrono::milliseconds kLook{5};
-/// A helper that hangs is killed by whoever tests that; should that fail, it goes by itself.
-constexpr std::chrono::seconds kLongestHang{60};
+/// A helper that hangs is killed by whoever tests that; should that fail, it goes by itself, later
+/// than anybody waits for it who is to give up.
+constexpr std::chrono::seconds kLongestHang{90};
 constexpr char kInputEnded = '\0';
 /// As many as a helper with a driver sends in one frame, more or less.
 constexpr std::uint32_t kRowsAtATime = 30;
@@ -38,6 +42,8 @@ constexpr std::uint32_t kRowsAtATime = 30;
 std::filesystem::path g_folder;
 /// "scan64", as it stands in front of all that this helper notes.
 std::string g_task;
+/// Of this process alone: several helpers run side by side.
+std::filesystem::path g_log;
 std::mutex g_mutex;
 std::deque<char> g_commands;
 bool g_deaf = false;
@@ -46,10 +52,9 @@ std::uint32_t g_pages = 0;
 std::uint32_t g_rows = 0;
 PageHeader g_page{};
 
-/// Several helpers write into one log, each line at once.
 void note(const std::string& what) {
     const std::lock_guard lock(g_mutex);
-    std::ofstream(g_folder / "log", std::ios::app) << g_task + what + '\n' << std::flush;
+    std::ofstream(g_log, std::ios::app) << g_task + what + '\n' << std::flush;
 }
 
 void write(const void* bytes, std::size_t size) {
@@ -282,6 +287,23 @@ void play(const std::string& line) {
         leave(99);
 }
 
+/// All of it before any of it is played: the test may write the next one meanwhile.
+std::vector<std::string> read_script() {
+    std::ifstream script(g_folder / g_task);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(script, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::string process_number() {
+#ifdef _WIN32
+    return std::to_string(_getpid());
+#else
+    return std::to_string(getpid());
+#endif
+}
+
 } // namespace
 
 /// scripted_helper FOLDER BITS list|scan ...
@@ -294,17 +316,18 @@ int main(int argc, char** argv) {
 #endif
     g_folder = argv[1];
     g_task = std::string(argv[3]) + argv[2];
+    g_log = g_folder / ("log " + process_number());
+    const std::vector<std::string> script = read_script();
     std::string arguments;
     for (int k = 4; k < argc; ++k)
         arguments += std::string(" ") + argv[k];
     note(arguments);
     std::thread(read_commands).detach();
-    std::ifstream script(g_folder / g_task);
-    if (!script) {
+    if (script.empty()) {
         done(Outcome::kNoManager);
         leave(0);
     }
-    for (std::string line; std::getline(script, line);) {
+    for (const std::string& line : script) {
         play(line);
         command();
     }

@@ -11,6 +11,10 @@ namespace folidex::test {
 
 namespace {
 
+/// Who lets a call hang lets it go, too; should that fail, it goes on by itself, later than
+/// anybody waits for it who is to give up.
+constexpr std::chrono::seconds kLongestHang{90};
+
 struct Described {
     SANE_Option_Descriptor descriptor{};
     std::vector<SANE_String_Const> choices;
@@ -53,20 +57,25 @@ struct ScriptedSane::Script {
     std::vector<SANE_Device> listed_devices;
     std::vector<const SANE_Device*> listed;
 
-    void enter(const QString& call) {
+    /// Notes a call and hangs where it is to. What the call does then is done under the lock that
+    /// comes back: sane_cancel may be called from another thread than the rest.
+    std::unique_lock<std::mutex> enter(const QString& call) {
         std::unique_lock lock(mutex);
         calls.append(call);
-        if (hangs_at != call)
-            return;
-        hanging = true;
-        changed.notify_all();
-        changed.wait(lock, [this] { return hangs_at.isEmpty(); });
-        hanging = false;
+        if (hangs_at == call) {
+            hanging = true;
+            changed.notify_all();
+            if (!changed.wait_for(lock, kLongestHang, [this] { return hangs_at.isEmpty(); }))
+                hangs_at.clear();
+            hanging = false;
+        }
+        return lock;
     }
     static OpenDevice& at(SANE_Handle handle) { return *static_cast<OpenDevice*>(handle); }
 
     SANE_Status list(const SANE_Device*** list, bool local_only) {
-        enter(local_only ? QStringLiteral("list local") : QStringLiteral("list all"));
+        const auto lock =
+            enter(local_only ? QStringLiteral("list local") : QStringLiteral("list all"));
         listed_devices.clear();
         for (const ScriptedDevice& device : devices)
             if (device.local || !local_only)
@@ -81,7 +90,7 @@ struct ScriptedSane::Script {
     }
 
     SANE_Status open(SANE_String_Const name, SANE_Handle* handle) {
-        enter(QStringLiteral("open"));
+        const auto lock = enter(QStringLiteral("open"));
         for (std::size_t k = 0; k < devices.size(); ++k)
             if (devices[k].name == name) {
                 if (devices[k].open != SANE_STATUS_GOOD)
@@ -127,8 +136,7 @@ struct ScriptedSane::Script {
         return SANE_STATUS_GOOD;
     }
 
-    QByteArray text(std::size_t device, const QByteArray& name) {
-        const std::lock_guard lock(mutex);
+    QByteArray text(std::size_t device, const QByteArray& name) const {
         for (const ScriptedOption& option : devices[device].options)
             if (option.name == name)
                 return option.type == SANE_TYPE_STRING ? QByteArray(option.value.constData())
@@ -137,7 +145,7 @@ struct ScriptedSane::Script {
     }
 
     SANE_Status start(SANE_Handle handle) {
-        enter(QStringLiteral("start"));
+        const auto lock = enter(QStringLiteral("start"));
         OpenDevice& open = at(handle);
         ScriptedDevice& device = devices[open.device];
         const QByteArray source = text(open.device, "source");
@@ -158,8 +166,16 @@ struct ScriptedSane::Script {
         return SANE_STATUS_GOOD;
     }
 
+    SANE_Status parameters(SANE_Handle handle, SANE_Parameters* parameters) {
+        const std::lock_guard lock(mutex);
+        if (!at(handle).frame)
+            return SANE_STATUS_CANCELLED;
+        *parameters = at(handle).frame->parameters;
+        return SANE_STATUS_GOOD;
+    }
+
     SANE_Status read(SANE_Handle handle, SANE_Byte* data, SANE_Int size, SANE_Int* got) {
-        enter(QStringLiteral("read"));
+        const auto lock = enter(QStringLiteral("read"));
         OpenDevice& open = at(handle);
         *got = 0;
         if (!open.frame)
@@ -178,8 +194,7 @@ struct ScriptedSane::Script {
     }
 
     void cancel(SANE_Handle handle) {
-        enter(QStringLiteral("cancel"));
-        const std::lock_guard lock(mutex);
+        const auto lock = enter(QStringLiteral("cancel"));
         if (hanging && !heeds_cancel)
             return;
         at(handle).frame.reset();
@@ -249,9 +264,8 @@ SaneApi ScriptedSane::api() const {
                                   void* value, SANE_Int*) {
         return script->control(handle, option, action, value);
     };
-    api.get_parameters = [](SANE_Handle handle, SANE_Parameters* parameters) {
-        *parameters = Script::at(handle).frame->parameters;
-        return SANE_STATUS_GOOD;
+    api.get_parameters = [script](SANE_Handle handle, SANE_Parameters* parameters) {
+        return script->parameters(handle, parameters);
     };
     api.start = [script](SANE_Handle handle) { return script->start(handle); };
     api.read = [script](SANE_Handle handle, SANE_Byte* data, SANE_Int size, SANE_Int* got) {
@@ -293,6 +307,7 @@ QStringList ScriptedSane::calls() const {
 }
 
 QByteArray ScriptedSane::option(const QByteArray& name) const {
+    const std::lock_guard lock(script_->mutex);
     return script_->text(0, name);
 }
 

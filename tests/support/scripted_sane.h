@@ -70,7 +70,7 @@ public:
     /// release(); one that heeds goes on at sane_cancel, too.
     void hang(const QString& call, bool heeds_cancel = false);
     void release();
-    /// True once a call hangs.
+    /// True while a call hangs.
     bool hanging() const;
 
     QStringList calls() const;

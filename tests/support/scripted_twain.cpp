@@ -3,16 +3,27 @@
 
 #include "tests/support/scripted_twain.h"
 
+#include <QDir>
 #include <QFile>
 
 using namespace Qt::StringLiterals;
 
 namespace folidex::test {
 
+namespace {
+
+// Below the longest that a scripted helper hangs.
+constexpr std::chrono::seconds kAmple{60};
+
+} // namespace
+
 ScriptedTwain::ScriptedTwain() {
     const QString program = QString::fromUtf8(SCRIPTED_HELPER);
     settings.program64 = {program, {folder_.path(), u"64"_s}};
     settings.program32 = {program, {folder_.path(), u"32"_s}};
+    settings.list = settings.silence = settings.cancel = kAmple;
+    // Longer than anything: a driver that is not to be waited for must be cut short.
+    settings.release = std::chrono::minutes(10);
 }
 
 void ScriptedTwain::put_file(const QString& name, const QByteArray& content) const {
@@ -37,10 +48,17 @@ QStringList ScriptedTwain::pages(const QList<int>& widths) {
 }
 
 QStringList ScriptedTwain::log() const {
-    QFile file(folder_.filePath(u"log"_s));
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return {};
-    return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+    QStringList lines;
+    const QDir folder(folder_.path());
+    for (const QString& name : folder.entryList({u"log *"_s}, QDir::Files, QDir::Name)) {
+        QFile file(folder.filePath(name));
+        if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+            continue;
+        // The last line may be half written.
+        const QString text = QString::fromUtf8(file.readAll());
+        lines += text.left(text.lastIndexOf(u'\n') + 1).split(u'\n', Qt::SkipEmptyParts);
+    }
+    return lines;
 }
 
 } // namespace folidex::test

@@ -21,7 +21,8 @@ class ScriptedTwain {
 public:
     ScriptedTwain();
 
-    /// Settings with these helpers, for a session.
+    /// Settings with these helpers, for a session. With so much patience that a helper which
+    /// behaves is never given up on a busy machine; what a hang costs is for its tests to set.
     TwainSettings settings;
 
     void list(int bits, const QStringList& script) const;
@@ -31,9 +32,9 @@ public:
 
     void put_file(const QString& name, const QByteArray& content) const;
     void open_gate(const QString& name) const { put_file(name, {}); }
-    /// What the helpers were told and did: their command lines as "scan64 --index 0 ...", then
-    /// "scan64: command a", "scan64: at GATE", "scan64: hangs", "scan64: input ended",
-    /// "scan64: left with 0". Helpers run side by side: a list may be leaving while a scan begins.
+    /// What the helpers were told and did, one helper behind the other in no certain order: their
+    /// command lines as "scan64 --index 0 ...", then "scan64: command a", "scan64: at GATE",
+    /// "scan64: hangs", "scan64: input ended", "scan64: left with 0".
     QStringList log() const;
     bool noted(const QString& line) const { return log().contains(line); }
 

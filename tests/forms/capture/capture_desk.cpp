@@ -17,6 +17,12 @@ using namespace Qt::StringLiterals;
 
 namespace folidex::test {
 
+namespace {
+
+constexpr int kLongestWait = 60'000;
+
+} // namespace
+
 CaptureDesk::CaptureDesk() : end_program_before_(end_program) {
     wall_clock = [this] { return now; };
     set_scanner_factory([script = scanner] { return std::make_unique<ScriptedScanner>(script); });
@@ -39,7 +45,7 @@ frmScanNew& CaptureDesk::show(int link) {
     form = std::make_unique<frmScanNew>();
     form->show();
     form->activateWindow();
-    if (!QTest::qWaitForWindowActive(form.get()))
+    if (!QTest::qWaitForWindowActive(form.get(), kLongestWait))
         qWarning("the form did not become active");
     return *form;
 }
@@ -47,7 +53,7 @@ frmScanNew& CaptureDesk::show(int link) {
 frmScanNew& CaptureDesk::open(int link) {
     show(link);
     const auto* timer = control<QTimer>("Timer1");
-    if (!QTest::qWaitFor([timer] { return !timer->isActive(); }))
+    if (!QTest::qWaitFor([timer] { return !timer->isActive(); }, kLongestWait))
         qWarning("the document was not loaded");
     return *form;
 }
@@ -85,7 +91,7 @@ void CaptureDesk::scan(const QString& source) {
 
 void CaptureDesk::choose(const QString& caption) const {
     auto* menu = control<DropMenu>("Dmnu");
-    if (!QTest::qWaitFor([menu] { return menu->isVisible(); }))
+    if (!QTest::qWaitFor([menu] { return menu->isVisible(); }, kLongestWait))
         qWarning("no menu is open");
     for (int index = 1; index <= menu->ItemCount(); ++index) {
         if (menu->ItemCaption(index) != caption)
@@ -93,7 +99,7 @@ void CaptureDesk::choose(const QString& caption) const {
         const QSignalSpy chosen(menu, &DropMenu::ItemClick);
         menu->setActiveAction(menu->actions().at(index - 1));
         QTest::keyClick(menu, Qt::Key_Return);
-        if (!QTest::qWaitFor([&chosen] { return !chosen.isEmpty(); }))
+        if (!QTest::qWaitFor([&chosen] { return !chosen.isEmpty(); }, kLongestWait))
             qWarning("the item could not be chosen");
         return;
     }

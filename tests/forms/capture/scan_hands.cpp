@@ -10,6 +10,12 @@
 
 namespace folidex::test {
 
+namespace {
+
+constexpr int kLongestWait = 60'000;
+
+} // namespace
+
 QWidget* progress_window() {
     for (QWidget* widget : QApplication::topLevelWidgets())
         if (widget->objectName() == QStringLiteral("ScanProgress") && widget->isVisible())
@@ -24,7 +30,7 @@ QWidget* progress_control(const char* name) {
 }
 
 bool wait_until(const std::function<bool()>& condition) {
-    const bool met = QTest::qWaitFor(condition, 30000);
+    const bool met = QTest::qWaitFor(condition, kLongestWait);
     if (!met)
         QTest::qFail("a condition did not come true", __FILE__, __LINE__);
     return met;

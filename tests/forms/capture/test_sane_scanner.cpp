@@ -24,6 +24,14 @@ using test::ScriptedDevice;
 using test::ScriptedSane;
 using test::wait_until;
 
+namespace {
+
+/// So that a busy machine shows the same; less than a scripted call hangs by itself.
+const ScanPatience kAmple{std::chrono::seconds(60), ScanPatience{}.nudge, std::chrono::seconds(60)};
+constexpr int kToolPatience = 100'000;
+
+} // namespace
+
 class SaneScannerTest : public QObject {
     Q_OBJECT
 
@@ -53,14 +61,17 @@ private Q_SLOTS:
     void a_pdf_that_cannot_be_written_names_the_path_and_leaves_the_old_one();
 
 private:
+    void make_scanner(const ScanPatience& patience = kAmple);
     bool open(int source = 0);
     void scan();
+    QString last_call() const { return sane_->calls().last(); }
     /// Does something once the progress window is up and shows a control.
     void when_shown(const char* control, const std::function<void(QWidget&)>& action);
     /// Cancels once the scanner hangs.
     void cancel_when_hanging(const std::function<void()>& then = [] {});
 
     std::unique_ptr<ScriptedSane> sane_;
+    std::shared_ptr<SaneSession> session_; ///< as in the program, where it outlives the form
     std::unique_ptr<SaneScanner> scanner_;
     ScriptedDevice device_;
 };
@@ -75,12 +86,19 @@ void SaneScannerTest::init() {
 void SaneScannerTest::cleanup() {
     sane_->release();
     scanner_.reset();
+    session_.reset();
+}
+
+void SaneScannerTest::make_scanner(const ScanPatience& patience) {
+    session_ = std::make_shared<SaneSession>(sane_->api());
+    scanner_ = std::make_unique<SaneScanner>(session_);
+    scanner_->set_patience(patience);
 }
 
 bool SaneScannerTest::open(int source) {
     if (!scanner_) {
         sane_->add(device_);
-        scanner_ = std::make_unique<SaneScanner>(std::make_shared<SaneSession>(sane_->api()));
+        make_scanner();
         scanner_->source_count();
     }
     scanner_->set_use_feeder(true);
@@ -127,16 +145,16 @@ void SaneScannerTest::sources_are_listed_once() {
 void SaneScannerTest::a_search_that_hangs_blocks_the_form_no_longer_than_a_second() {
     sane_->add(device_);
     sane_->hang(QStringLiteral("list local"));
-    scanner_ = std::make_unique<SaneScanner>(std::make_shared<SaneSession>(sane_->api()));
-    QElapsedTimer clock;
-    clock.start();
+    make_scanner({});
+    QVERIFY(ScanPatience{}.first_answer < std::chrono::seconds(1));
     QCOMPARE(scanner_->source_count(), 0);
     QCOMPARE(scanner_->source_count(), 0);
-    QVERIFY2(clock.elapsed() < 5000, "the form was blocked");
     bool told = false;
     scanner_->on_sources_changed([&] { told = true; });
+    QVERIFY2(wait_until([this] { return sane_->hanging(); }), "the form waited for the search");
+    QVERIFY(!told);
     sane_->release();
-    QTRY_VERIFY(told);
+    QVERIFY(wait_until([&] { return told; }));
     QCOMPARE(scanner_->source_count(), 1);
 }
 
@@ -148,14 +166,15 @@ void SaneScannerTest::a_slow_network_source_is_added_when_it_answers() {
     sane_->add(remote);
     sane_->add(device_);
     sane_->hang(QStringLiteral("list all"));
-    scanner_ = std::make_unique<SaneScanner>(std::make_shared<SaneSession>(sane_->api()));
+    make_scanner();
     int changes = 0;
     scanner_->on_sources_changed([&] { ++changes; });
     QCOMPARE(scanner_->source_count(), 1);
     QCOMPARE(scanner_->source_name(0), QStringLiteral("Acme Scan"));
     QCOMPARE(changes, 0);
     sane_->release();
-    QTRY_COMPARE(changes, 1);
+    QVERIFY(wait_until([&] { return changes > 0; }));
+    QCOMPARE(changes, 1);
     QCOMPARE(scanner_->source_count(), 2);
     QCOMPARE(scanner_->source_name(0), QStringLiteral("Acme Scan"));
     QCOMPARE(scanner_->source_name(1), QStringLiteral("Acme Remote"));
@@ -201,7 +220,7 @@ void SaneScannerTest::a_slow_opening_shows_the_window_and_can_be_cancelled() {
     sane_->hang(QStringLiteral("open"));
     cancel_when_hanging([this] { sane_->release(); });
     QVERIFY(!open());
-    QTRY_COMPARE(sane_->calls().last(), QStringLiteral("close"));
+    QVERIFY(wait_until([this] { return last_call() == QStringLiteral("close"); }));
     QTRY_VERIFY(!progress_window());
 }
 
@@ -220,7 +239,7 @@ void SaneScannerTest::pages_come_in_the_order_of_the_feeder() {
     scanner_->write_pdf(path);
     QProcess tool;
     tool.start(QStringLiteral("pdfinfo"), {QStringLiteral("-l"), QStringLiteral("3"), path});
-    QVERIFY(tool.waitForFinished());
+    QVERIFY(tool.waitForFinished(kToolPatience));
     const QString info = QString::fromLocal8Bit(tool.readAll());
     const qsizetype first = info.indexOf(QStringLiteral("size:  72 x 36 pts"));
     const qsizetype second = info.indexOf(QStringLiteral("size:  144 x 36 pts"));
@@ -282,17 +301,17 @@ void SaneScannerTest::a_scanner_that_wakes_up_at_cancel_leaves_no_pages() {
     cancel_when_hanging();
     scan();
     QCOMPARE(scanner_->page_count(), 0);
-    QTRY_VERIFY(sane_->calls().contains(QStringLiteral("close")));
+    QVERIFY(wait_until([this] { return last_call() == QStringLiteral("close"); }));
 }
 
 void SaneScannerTest::a_scanner_that_hangs_is_left_and_named() {
     device_.feeder = {gray_frame(100, 50), gray_frame(120, 50)};
     QVERIFY(open());
+    scanner_->set_patience({});
     sane_->hang(QStringLiteral("read"));
-    QElapsedTimer clock;
-    cancel_when_hanging([&] { clock.start(); });
+    cancel_when_hanging();
     const QString words = failure([this] { scan(); });
-    QVERIFY2(clock.elapsed() < 5000, "the user was kept waiting");
+    QVERIFY2(sane_->hanging(), "the user waited for the scanner");
     QVERIFY2(words.contains(QStringLiteral("\"Acme Scan\" does not answer")), qPrintable(words));
     QVERIFY(!progress_window());
     QCOMPARE(scanner_->page_count(), 0);
@@ -301,10 +320,10 @@ void SaneScannerTest::a_scanner_that_hangs_is_left_and_named() {
     QVERIFY2(again.contains(QStringLiteral("still does not answer")), qPrintable(again));
 
     // Once it woke up, the next scan works, and has only its own pages.
+    scanner_->set_patience(kAmple);
     sane_->release();
-    QTRY_VERIFY(sane_->calls().contains(QStringLiteral("close")));
     bool opened = false;
-    QTRY_VERIFY(failure([&] { opened = open(); }).isEmpty());
+    QVERIFY(wait_until([&] { return failure([&] { opened = open(); }).isEmpty(); }));
     QVERIFY(opened);
     scan();
     QCOMPARE(scanner_->page_count(), 1);
@@ -332,10 +351,10 @@ void SaneScannerTest::the_device_is_free_after_the_scan() {
     device_.feeder = {gray_frame(100, 50)};
     QVERIFY(open());
     scan();
-    QTRY_COMPARE(sane_->calls().last(), QStringLiteral("close"));
+    QVERIFY(wait_until([this] { return last_call() == QStringLiteral("close"); }));
     QVERIFY(open());
     scanner_.reset();
-    QTRY_COMPARE(sane_->calls().count(QStringLiteral("close")), 2);
+    QVERIFY(wait_until([this] { return sane_->calls().count(QStringLiteral("close")) == 2; }));
 }
 
 void SaneScannerTest::a_pdf_replaces_the_one_before_it() {
@@ -349,7 +368,7 @@ void SaneScannerTest::a_pdf_replaces_the_one_before_it() {
         scanner_->write_pdf(path);
         QProcess tool;
         tool.start(QStringLiteral("qpdf"), {QStringLiteral("--show-npages"), path});
-        QVERIFY(tool.waitForFinished());
+        QVERIFY(tool.waitForFinished(kToolPatience));
         QCOMPARE(tool.readAll().trimmed(), QByteArray::number(pages));
     }
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 1);

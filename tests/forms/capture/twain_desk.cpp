@@ -13,7 +13,9 @@ namespace folidex::test {
 /// Tells when it is opened and when it scans.
 class TwainDesk::WatchedScanner : public TwainScanner {
 public:
-    explicit WatchedScanner(TwainDesk& desk) : TwainScanner(desk.session()), desk_(desk) {}
+    explicit WatchedScanner(TwainDesk& desk) : TwainScanner(desk.session()), desk_(desk) {
+        set_patience(desk.patience);
+    }
     bool open_source() override {
         begin(desk_.while_opening_);
         return TwainScanner::open_source();
@@ -34,8 +36,9 @@ private:
 };
 
 TwainDesk::TwainDesk() {
-    // Long, so that a busy machine shows the same list; tests of the waiting shorten it.
-    twain.settings.first_answer = std::chrono::seconds(30);
+    // Beyond the patience with a list, which is what ends the waiting for one that hangs.
+    patience.first_answer = std::chrono::minutes(10);
+    patience.give_up = std::chrono::minutes(1);
     twain.list(64, {u"source 0 Front desk"_s, u"source 1 Archive"_s, u"done 0"_s});
     twain.list(32, {u"source 0 Old copier"_s, u"done 0"_s});
     set_scanner_factory([this] { return std::make_unique<WatchedScanner>(*this); });

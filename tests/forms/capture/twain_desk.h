@@ -18,6 +18,9 @@ public:
     ~TwainDesk();
 
     ScriptedTwain twain;
+    /// Of the forms opened from now on. More than the program's own, so that a busy machine shows
+    /// the same; tests of the waiting change it.
+    ScanPatience patience;
 
     /// The session of all forms of this desk; settings count until it is first asked for.
     const std::shared_ptr<TwainSession>& session();
