@@ -9,8 +9,17 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+#include <atomic>
 
 namespace folidex {
+
+namespace {
+
+/// Drivers take their time to load on a busy machine.
+const ScanPatience kAmple{std::chrono::seconds(60), ScanPatience{}.nudge, std::chrono::seconds(60)};
+constexpr int kLongestWait = 60'000;
+
+} // namespace
 
 /// The whole road with SANE's own pretended scanner.
 class SaneTestDevice : public QObject {
@@ -31,6 +40,7 @@ private:
     static std::unique_ptr<Scanner> scan(int source, std::unique_ptr<Scanner> scanner);
     /// The program's own scanners.
     std::unique_ptr<Scanner> usual();
+    /// Once nobody uses SANE any more, of which there is one in the process.
     void configure(const QByteArray& settings);
     /// A SANE of its own, whose pretended scanners have more settings.
     std::unique_ptr<Scanner> with_settings(const QByteArray& settings);
@@ -38,6 +48,7 @@ private:
     static QString run(const QString& program, const QStringList& arguments);
 
     QTemporaryDir config_;
+    std::shared_ptr<std::atomic<bool>> in_use_ = std::make_shared<std::atomic<bool>>(false);
 };
 
 void SaneTestDevice::initTestCase() {
@@ -46,6 +57,7 @@ void SaneTestDevice::initTestCase() {
 }
 
 void SaneTestDevice::configure(const QByteArray& settings) {
+    QVERIFY(QTest::qWaitFor([this] { return !*in_use_; }, kLongestWait));
     // Always in the same folder: SANE looks for it once in a process.
     for (const QString& name : {QStringLiteral("dll.conf"), QStringLiteral("test.conf")}) {
         QFile usual(QStringLiteral(FOLIDEX_SANE_CONFIG "/") + name);
@@ -60,14 +72,17 @@ void SaneTestDevice::configure(const QByteArray& settings) {
 
 std::unique_ptr<Scanner> SaneTestDevice::usual() {
     configure({});
-    return make_scanner();
+    auto scanner = make_scanner();
+    if (auto* background = dynamic_cast<BackgroundScanner*>(scanner.get()))
+        background->set_patience(kAmple);
+    return scanner;
 }
 
 QString SaneTestDevice::run(const QString& program, const QStringList& arguments) {
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(program, arguments);
-    if (!process.waitForFinished() || process.exitCode() != 0)
+    if (!process.waitForFinished(kLongestWait) || process.exitCode() != 0)
         return QStringLiteral("%1 failed: ").arg(program) + process.errorString() +
                QString::fromLocal8Bit(process.readAll());
     return QString::fromLocal8Bit(process.readAll());
@@ -75,7 +90,18 @@ QString SaneTestDevice::run(const QString& program, const QStringList& arguments
 
 std::unique_ptr<Scanner> SaneTestDevice::with_settings(const QByteArray& settings) {
     configure(settings);
-    return std::make_unique<SaneScanner>(std::make_shared<SaneSession>(system_sane()));
+    SaneApi api = system_sane();
+    api.init = [in_use = in_use_, init = api.init](SANE_Int* version, SANE_Auth_Callback callback) {
+        *in_use = true;
+        return init(version, callback);
+    };
+    api.exit = [in_use = in_use_, exit = api.exit] {
+        exit();
+        *in_use = false;
+    };
+    auto scanner = std::make_unique<SaneScanner>(std::make_shared<SaneSession>(api));
+    scanner->set_patience(kAmple);
+    return scanner;
 }
 
 void SaneTestDevice::write_all_pages(Scanner& scanner, const QString& path) {
