@@ -7,19 +7,19 @@
 #include "data/link_numbers.h"
 
 #include <QTextStream>
+#include <iostream>
+#include <string>
 
-// draw_numbers <file> <count>: one workstation; it waits for a line on its input, so that all of
-// them start together, and prints the numbers that it drew.
+// draw_numbers <file>: one workstation. For every line on its input, which all stations get at the
+// same time, it draws a number and prints it.
 int main(int, char** arguments) {
     using namespace folidex;
     QTextStream out(stdout);
     try {
         set_database(Database::open(QString::fromUtf8(arguments[1])));
         out << "ready" << Qt::endl;
-        QTextStream(stdin).readLine();
-        for (int left = QString::fromUtf8(arguments[2]).toInt(); left > 0; --left)
-            out << getNewLink(QString()) << '\n';
-        out.flush();
+        for (std::string line; std::getline(std::cin, line);)
+            out << getNewLink(QString()) << Qt::endl;
         set_database(nullptr);
     } catch (const Error& error) {
         QTextStream(stderr) << error.number << ' ' << error.description << Qt::endl;

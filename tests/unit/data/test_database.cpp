@@ -10,9 +10,7 @@
 
 #include <QCryptographicHash>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QSignalSpy>
 #include <QTest>
 #include <QThread>
 #include <sqlite3.h>
@@ -340,20 +338,22 @@ void TestDatabase::a_failed_statement_leaves_no_lock() {
 void TestDatabase::a_file_that_is_held_is_waited_for() {
     Recordset counter = database().open_recordset(u"Select * from comp"_s);
     counter.edit();
-    QAtomicInt started = 0;
+    QAtomicInt waits = 0;
     QString failure;
     const std::unique_ptr<QThread> other(QThread::create([&] {
         const auto connection = Database::open(station_->database_path());
-        started.storeRelease(1);
+        const DatabasePulse pulse(*connection, [&waits] { waits.ref(); });
         if (const auto error =
                 thrown([&] { connection->execute(u"UPDATE comp SET NewLink = NewLink + 10"_s); }))
             failure = error->description;
     }));
     other->start();
-    QTRY_COMPARE(started.loadAcquire(), 1);
+    const bool felt =
+        QTest::qWaitFor([&] { return waits.loadAcquire() > 0 || other->isFinished(); }, 60000);
     counter.set_field(u"NewLink"_s, 5);
     counter.update();
-    QVERIFY(other->wait(20000));
+    other->wait();
+    QVERIFY(felt && waits.loadAcquire() > 0);
     QCOMPARE(failure, QString());
     QCOMPARE(station_->value(u"Select * from comp"_s), u"15"_s);
 }
