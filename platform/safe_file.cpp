@@ -48,6 +48,8 @@ void check_old_file(const QString& path) {
 
 } // namespace
 
+std::function<void()> on_held_file;
+
 void write_file(const QString& path, const QByteArray& content) {
     write_file(path, [&](QIODevice& out) {
         forget_system_failure();

@@ -6,6 +6,7 @@
 #include "common/error.h"
 
 #include <QString>
+#include <functional>
 
 namespace folidex {
 
@@ -28,6 +29,8 @@ SystemFailure failure_to_create_in(const QString& folder);
 /// keeps it from being replaced or deleted: a virus scanner does for moments, a viewer for as
 /// long as it shows the file. False when it is still so; system_failure() then tells.
 bool wait_until_replaceable(const QString& path);
+/// Called each time that a file was found held, before it is waited for; a seam for tests.
+extern std::function<void()> on_held_file;
 
 /// The path in the form in which the system's own calls take it at any length.
 QString path_of_any_length(const QString& path);

@@ -96,13 +96,16 @@ bool wait_until_replaceable(const QString& path) {
     const QString native = path_of_any_length(path);
     const ULONGLONG begin = GetTickCount64();
     for (DWORD pause = 1;; pause = qMin(2 * pause, kLongestPause)) {
+        const bool last = GetTickCount64() - begin > kPatience;
         const DWORD code = try_to_take(native);
         if (!is_held(code))
             return true; // any other hindrance is for the operation itself to meet
-        if (GetTickCount64() - begin > kPatience) {
+        if (last) {
             SetLastError(code);
             return false;
         }
+        if (on_held_file)
+            on_held_file();
         Sleep(pause);
     }
 }
