@@ -5,16 +5,19 @@
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <chrono>
 
 namespace folidex {
 
 /// The wait cursor for work that turns out to be long: shown by the first call of passing()
-/// after 200 ms, gone with this object.
+/// after some time, gone with this object.
 class LateWaitCursor {
 public:
-    static constexpr int kPatienceMs = 200;
+    static constexpr std::chrono::milliseconds kPatience{200};
 
-    LateWaitCursor() { clock_.start(); }
+    explicit LateWaitCursor(std::chrono::milliseconds patience = kPatience) : patience_(patience) {
+        clock_.start();
+    }
     ~LateWaitCursor() {
         if (shown_)
             QGuiApplication::restoreOverrideCursor();
@@ -23,13 +26,14 @@ public:
     LateWaitCursor& operator=(const LateWaitCursor&) = delete;
 
     void passing() {
-        if (shown_ || clock_.elapsed() <= kPatienceMs)
+        if (shown_ || !clock_.hasExpired(patience_.count()))
             return;
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
         shown_ = true;
     }
 
 private:
+    const std::chrono::milliseconds patience_;
     QElapsedTimer clock_;
     bool shown_ = false;
 };

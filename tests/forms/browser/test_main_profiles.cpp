@@ -110,14 +110,16 @@ void TestMainProfiles::a_stored_day_below_ten_counts_as_missing() {
     QFETCH(double, shown);
     main_->set_preference(u"dtFrom"_s, stored);
     main_->set_preference(u"dtTo"_s, stored);
+    const QDate before = QDate::currentDate();
     main_->open();
-    const QDate today = QDate::currentDate();
     if (shown > 0) {
         QCOMPARE((*main_)->dtFrom->value(), shown);
         QCOMPARE((*main_)->dtTo->value(), shown);
     } else {
-        QCOMPARE((*main_)->dtFrom->date(), today.addMonths(-6));
-        QCOMPARE((*main_)->dtTo->date(), today);
+        const QDate today = (*main_)->dtTo->date();
+        QVERIFY(today >= before && today <= QDate::currentDate());
+        QVERIFY((*main_)->dtFrom->date() == today.addMonths(-6) ||
+                (*main_)->dtFrom->date() == before.addMonths(-6));
     }
 }
 

@@ -245,10 +245,18 @@ void TestMainResults::a_new_query_does_not_scroll_the_list() {
 }
 
 void TestMainResults::only_a_long_wait_changes_the_cursor() {
-    LateWaitCursor wait;
-    wait.passing();
-    QVERIFY(QGuiApplication::overrideCursor() == nullptr);
-    QTRY_VERIFY((wait.passing(), QGuiApplication::overrideCursor() != nullptr));
+    const auto shown = [](LateWaitCursor& wait) {
+        wait.passing();
+        return QGuiApplication::overrideCursor() != nullptr;
+    };
+    LateWaitCursor quick(std::chrono::hours(1));
+    QVERIFY(!shown(quick));
+    QCOMPARE(LateWaitCursor::kPatience, std::chrono::milliseconds(200));
+    {
+        LateWaitCursor wait;
+        QTRY_VERIFY(shown(wait));
+    }
+    QVERIFY(!shown(quick));
 }
 
 QTEST_MAIN(TestMainResults)

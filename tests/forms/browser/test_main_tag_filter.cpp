@@ -267,8 +267,12 @@ void TestMainTagFilter::the_last_tag_removed_comes_back_at_the_next_start() {
 void TestMainTagFilter::the_first_start_makes_the_folders() {
     const QString scanned = DataFolder + u"/scanned_files"_s;
     QVERIFY(QDir(scanned).removeRecursively());
+    const auto this_month = [&] {
+        return QDir(scanned + QDate::currentDate().toString(u"/MMyy"_s));
+    };
+    const QDir before = this_month();
     main_->open();
-    QVERIFY(QDir(scanned + QDate::currentDate().toString(u"/MMyy"_s)).exists());
+    QVERIFY(before.exists() || this_month().exists());
     QVERIFY(QFile::exists(preferences_path()));
 }
 

@@ -115,7 +115,7 @@ private Q_SLOTS:
     void a_test_that_never_asks_fails_at_the_end_of_the_plan() {
         QProcess forgetful;
         forgetful.start(QCoreApplication::applicationFilePath(), {u"--forgetful"_s});
-        QVERIFY(forgetful.waitForFinished());
+        QVERIFY(forgetful.waitForFinished(60'000));
         QCOMPARE(forgetful.exitStatus(), QProcess::NormalExit);
         QCOMPARE(forgetful.exitCode(), 2);
         const QString said = QString::fromUtf8(forgetful.readAllStandardOutput());
