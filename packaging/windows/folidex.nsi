@@ -86,6 +86,10 @@ VIAddVersionKey LegalCopyright "Copyright ${PUBLISHER}; Apache License 2.0"
 
 ; Where the installed Folidex is, if there is one.
 Var installed
+; The folder after /D=, if there is one.
+Var named_folder
+
+!include exchange_files.nsh
 
 Function .onInit
   SetRegView 64
@@ -95,11 +99,11 @@ Function .onInit
     SetErrorLevel ${EXIT_TOO_OLD}
     Quit
   ${EndIf}
-  Call refuse_other_folder
+  Call read_named_folder
   ReadRegStr $installed HKLM "${UNINSTALL_KEY}" "InstallLocation"
   ; It is replaced where it is, unless /D= says otherwise.
   ${If} $installed != ""
-  ${AndIf} $INSTDIR == "$PROGRAMFILES64\Folidex"
+  ${AndIf} $named_folder == ""
     StrCpy $INSTDIR $installed
   ${EndIf}
   ${If} ${Silent}
@@ -109,16 +113,16 @@ FunctionEnd
 
 ; A folder after /D= that cannot be is passed over by the installer's own machinery, which would
 ; then install to the usual one.
-Function refuse_other_folder
+Function read_named_folder
   System::Call "kernel32::GetCommandLineW() w .R0"
   ClearErrors
-  ${GetOptions} $R0 "/D=" $R1
+  ${GetOptions} $R0 "/D=" $named_folder
   ${If} ${Errors}
     Return
   ${EndIf}
-  ${If} $R1 != $INSTDIR
-  ${AndIf} $R1 != "$INSTDIR\"
-    !insertmacro FAIL "Folidex cannot be installed in $R1."
+  ${If} $named_folder != $INSTDIR
+  ${AndIf} $named_folder != "$INSTDIR\"
+    !insertmacro FAIL "Folidex cannot be installed in $named_folder."
   ${EndIf}
 FunctionEnd
 
@@ -140,11 +144,29 @@ Function run_program
   Exec '"$WINDIR\explorer.exe" "$INSTDIR\folidex.exe"'
 FunctionEnd
 
-; Files of an older version that the new one lacks must not stay: Qt would load an old plug-in.
-Function remove_older_version
-  !insertmacro REMOVE_LISTED_FILES "" $INSTDIR
+; A file that could not be written ended the installation.
+Function .onInstFailed
+  Call remove_fresh_files
+FunctionEnd
+
+Function remove_leftovers
+  !insertmacro REMOVE_LEFTOVERS $INSTDIR
   ${If} $installed != ""
-  ${AndIf} $installed != $INSTDIR
+    !insertmacro REMOVE_LEFTOVERS $installed
+  ${EndIf}
+FunctionEnd
+
+; The older version in another folder goes when the new one is whole. A folder has many names (a
+; link, a short form): it is the same one when what was just put into the new one is seen in it.
+Function forget_same_folder
+  ${If} $installed == $INSTDIR
+  ${OrIf} ${FileExists} "$installed\${FRESH}\${FILE_LIST}"
+    StrCpy $installed ""
+  ${EndIf}
+FunctionEnd
+
+Function remove_moved_version
+  ${If} $installed != ""
     !insertmacro REMOVE_LISTED_FILES "" $installed
   ${EndIf}
 FunctionEnd
@@ -185,14 +207,11 @@ Function register_program
 FunctionEnd
 
 Section "Folidex"
-  Call remove_older_version
+  Call remove_leftovers
+  !insertmacro WRITE_FRESH_FILES
+  Call forget_same_folder
+  Call exchange_files
   SetOutPath $INSTDIR
-  ClearErrors
-  File /r "${STAGE}/*"
-  WriteUninstaller "$INSTDIR\uninstall.exe"
-  ${If} ${Errors}
-    !insertmacro FAIL "Folidex could not be written to $INSTDIR."
-  ${EndIf}
   Call share_folder
   ClearErrors
   CreateShortcut "$SMPROGRAMS\Folidex.lnk" "$INSTDIR\folidex.exe"
@@ -200,10 +219,12 @@ Section "Folidex"
   ${If} ${Errors}
     !insertmacro FAIL "Folidex is in $INSTDIR, but Windows could not be told of it."
   ${EndIf}
+  Call remove_moved_version
 SectionEnd
 
 Section "Uninstall"
   SetOutPath $TEMP
+  !insertmacro REMOVE_LEFTOVERS $INSTDIR
   !insertmacro REMOVE_LISTED_FILES un. $INSTDIR
   Delete "$SMPROGRAMS\Folidex.lnk"
   DeleteRegKey HKLM "${UNINSTALL_KEY}"

@@ -34,15 +34,10 @@
   ${EndIf}
 !macroend
 
-; Removes from FOLDER what the list in it names, and the folders that are empty then, FOLDER too.
-; What the list does not name stays, whoever put it there.
-!macro REMOVE_LISTED_FILES UN FOLDER
-  StrCpy $R5 "${FOLDER}"
-  ; An open list could not be removed itself.
-  InitPluginsDir
-  CopyFiles /SILENT "$R5\${FILE_LIST}" "$PLUGINSDIR\list.txt"
+; Does what stands between it and END_EACH_NAME with every name in the list, as $R1.
+!macro EACH_NAME UN LIST
   ClearErrors
-  FileOpen $R0 "$PLUGINSDIR\list.txt" r
+  FileOpen $R0 "${LIST}" r
   ${IfNot} ${Errors}
     ${Do}
       ClearErrors
@@ -52,20 +47,39 @@
       ${EndIf}
       ${${UN}TrimNewLines} $R1 $R1
       ${If} $R1 != ""
-        Delete "$R5\$R1"
-        ; Up the folders of this file, as long as they are empty.
-        ${Do}
-          ${${UN}GetParent} $R1 $R1
-          ${If} $R1 == ""
-            ${ExitDo}
-          ${EndIf}
-          ClearErrors
-          RMDir "$R5\$R1"
-        ${LoopUntil} ${Errors}
+!macroend
+
+!macro END_EACH_NAME
       ${EndIf}
     ${Loop}
     FileClose $R0
-    Delete "$R5\uninstall.exe"
+  ${EndIf}
+!macroend
+
+; Up the folders of $R1 below FOLDER, as long as they are empty. Eats $R1.
+!macro REMOVE_EMPTY_FOLDERS UN FOLDER
+  ${Do}
+    ${${UN}GetParent} $R1 $R1
+    ${If} $R1 == ""
+      ${ExitDo}
+    ${EndIf}
+    ClearErrors
+    RMDir "${FOLDER}\$R1"
+  ${LoopUntil} ${Errors}
+!macroend
+
+; Removes from FOLDER what the list in it names, and the folders that are empty then, FOLDER too.
+; What the list does not name stays, whoever put it there.
+!macro REMOVE_LISTED_FILES UN FOLDER
+  StrCpy $R5 "${FOLDER}"
+  ${If} ${FileExists} "$R5\${FILE_LIST}"
+    ; An open list could not be removed itself.
+    InitPluginsDir
+    CopyFiles /SILENT "$R5\${FILE_LIST}" "$PLUGINSDIR\list.txt"
+    !insertmacro EACH_NAME "${UN}" "$PLUGINSDIR\list.txt"
+      Delete "$R5\$R1"
+      !insertmacro REMOVE_EMPTY_FOLDERS "${UN}" $R5
+    !insertmacro END_EACH_NAME
     RMDir "$R5"
   ${EndIf}
   ClearErrors

@@ -125,13 +125,13 @@ class StageWindows(unittest.TestCase):
             self.assertIn(words, text)
         self.assertIn("licence of qt6-base-dev", (self.stage / "licences/Qt.txt").read_text())
 
-    def test_the_list_names_every_file_in_the_words_of_windows(self):
+    def test_the_list_names_every_file_and_the_uninstaller_in_the_words_of_windows(self):
         self.put_together()
         names = (self.stage / "installed-files.txt").read_bytes().decode().split("\r\n")
         self.assertEqual(names.pop(), "")
         self.assertEqual(sorted(name.replace("\\", "/") for name in names),
-                         sorted(str(path.relative_to(self.stage))
-                                for path in self.stage.rglob("*") if path.is_file()))
+                         sorted(["uninstall.exe", *(str(path.relative_to(self.stage))
+                                 for path in self.stage.rglob("*") if path.is_file())]))
 
     def test_the_archive_holds_the_same_files_in_one_folder(self):
         archive = self.folder / "portable.zip"

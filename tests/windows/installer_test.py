@@ -7,6 +7,8 @@ wine_case.py tells by which variables the installer is found; the archive and th
 that it was made from lie beside it.
 """
 
+import os
+import pathlib
 import re
 import shutil
 import struct
@@ -91,6 +93,11 @@ class Installer(unittest.TestCase):
         last and without quotes, whatever it holds."""
         return self.station.exit_code(SETUP, "/S", *(f"/D={folder}".split(" ") if folder else ()))
 
+    def assert_same_files(self, found, expected):
+        """Names those that differ; nobody could read how."""
+        names = found.keys() | expected.keys()
+        self.assertEqual({name for name in names if found.get(name) != expected.get(name)}, set())
+
     def registered(self):
         """The values under which Windows lists the program; none when it does not."""
         output = self.station.machine.run("reg", "query", KEY, "/reg:64", accept=(0, 1))
@@ -109,7 +116,7 @@ class Installer(unittest.TestCase):
         self.assertEqual(self.install(), 0)
         installed = contents(self.folder)
         del installed["uninstall.exe"]
-        self.assertEqual(installed, contents(STAGE))
+        self.assert_same_files(installed, contents(STAGE))
         self.assertTrue((self.drive / SHORTCUT).is_file())
         self.assertTrue((self.drive / PREFERENCES).parent.is_dir())
 
@@ -154,7 +161,7 @@ class Installer(unittest.TestCase):
         installed = contents(self.folder)
         self.assertEqual(installed.pop("notes.txt"), b"kept by a clerk")
         del installed["uninstall.exe"]
-        self.assertEqual(installed, contents(STAGE))
+        self.assert_same_files(installed, contents(STAGE))
         self.assertFalse((self.folder / "oldplugins").exists())
         self.assertEqual((self.drive / PREFERENCES).read_bytes(), preferences)
         self.assertEqual(self.registered()["DisplayVersion"], VERSION)
@@ -173,13 +180,79 @@ class Installer(unittest.TestCase):
         self.assertFalse(self.folder.exists())
         self.assertEqual(self.registered()["InstallLocation"], r"C:\Archive\Folidex")
 
+    def test_an_upgrade_to_the_usual_folder_leaves_no_other_behind(self):
+        self.assertEqual(self.install(r"C:\Archive\Folidex"), 0)
+        self.assertEqual(self.install(r"C:\Program Files\Folidex"), 0)
+        self.assertTrue((self.folder / "folidex.exe").is_file())
+        self.assertFalse((self.drive / "Archive/Folidex").exists())
+        self.assertEqual(self.registered()["InstallLocation"], r"C:\Program Files\Folidex")
+
+    def test_a_folder_under_another_name_is_the_same_folder(self):
+        self.assertEqual(self.install(r"C:\Archive\Folidex"), 0)
+        (self.drive / "Link").symlink_to("Archive")
+        self.assertEqual(self.install(r"C:\Link\Folidex"), 0)
+        installed = contents(self.drive / "Archive/Folidex")
+        del installed["uninstall.exe"]
+        self.assert_same_files(installed, contents(STAGE))
+
+    def make_older(self, folder):
+        """As if the program in the folder were of an older version; its contents."""
+        (folder / "site/help/index.html").write_text("old")
+        (folder / "notes.txt").write_text("kept by a clerk")
+        (folder / "oldplugins").mkdir()
+        (folder / "oldplugins/qold.dll").write_text("old")
+        with (folder / LIST).open("a", newline="") as names:
+            names.write("oldplugins\\qold.dll\r\n")
+        return contents(folder)
+
+    def assert_upgrade_fails_and_leaves(self, before):
+        listed = self.registered()
+        self.assertEqual(self.install(), FAILED)
+        self.assert_same_files(contents(self.folder), before)
+        self.assertFalse((self.folder / "new-files").exists())
+        self.assertFalse((self.folder / "replaced-files").exists())
+        self.assertEqual(self.registered(), listed)
+        self.station.start(self.folder / "folidex.exe")
+
+    def test_an_upgrade_with_a_folder_in_its_way_leaves_the_older_version(self):
+        self.assertEqual(self.install(), 0)
+        (self.folder / "licences/SQLite.txt").unlink()
+        (self.folder / "licences/SQLite.txt").mkdir()
+        (self.folder / "licences/SQLite.txt/notes.txt").write_text("kept by a clerk")
+        self.assert_upgrade_fails_and_leaves(self.make_older(self.folder))
+
+    def test_an_upgrade_with_a_file_in_the_place_of_a_folder_leaves_the_older_version(self):
+        self.assertEqual(self.install(), 0)
+        # Most files are in place before the first of this folder.
+        shutil.rmtree(self.folder / "styles")
+        (self.folder / "styles").write_text("kept by a clerk")
+        self.assert_upgrade_fails_and_leaves(self.make_older(self.folder))
+
+    def test_an_upgrade_that_fills_the_disk_leaves_the_older_version(self):
+        disk = pathlib.Path(os.environ["FOLIDEX_SMALL_DISK"].removeprefix("Z:"))
+        folder = disk / "Folidex"
+        self.addCleanup(shutil.rmtree, folder)
+        folder.mkdir()
+        for name in ("folidex.exe", "Qt6Core.dll", "dbm.mdb"):
+            (folder / name).write_text(f"old {name}")
+        (folder / LIST).write_text(f"folidex.exe\r\nQt6Core.dll\r\ndbm.mdb\r\n{LIST}\r\n")
+        before = contents(folder)
+        self.station.machine.run("reg", "add", KEY, "/v", "InstallLocation", "/d",
+                                 self.station.machine.as_told(folder), "/f", "/reg:64")
+        listed = self.registered()
+        self.assertEqual(self.install(), FAILED)
+        self.assert_same_files(contents(folder), before)
+        self.assertEqual({path.name for path in folder.iterdir()}, before.keys())
+        self.assertEqual(self.registered(), listed)
+        self.assertFalse(self.folder.exists())
+
     def test_a_running_program_is_not_replaced(self):
         self.assertEqual(self.install(), 0)
         before = contents(self.folder)
         self.station.start(self.folder / "folidex.exe")
         self.assertEqual(self.install(), RUNNING)
         self.assertEqual(self.install(r"C:\Archive\Folidex"), RUNNING)
-        self.assertEqual(contents(self.folder), before)
+        self.assert_same_files(contents(self.folder), before)
         self.assertFalse((self.drive / "Archive").exists())
 
     def test_a_running_program_is_not_removed(self):
@@ -190,7 +263,7 @@ class Installer(unittest.TestCase):
         told = "_?=" + self.station.machine.as_told(self.folder)
         code = self.station.exit_code(self.folder / "uninstall.exe", "/S", *told.split(" "))
         self.assertEqual(code, RUNNING)
-        self.assertEqual(contents(self.folder), before)
+        self.assert_same_files(contents(self.folder), before)
         self.assertTrue((self.drive / SHORTCUT).is_file())
 
     def test_uninstalling_leaves_data_and_preferences(self):
@@ -269,7 +342,7 @@ class Installer(unittest.TestCase):
         folder = self.drive / f"Stick/Folidex-{VERSION}"
         expected = contents(STAGE)
         del expected[LIST]
-        self.assertEqual(contents(folder), expected)
+        self.assert_same_files(contents(folder), expected)
         self.station.start(folder / "folidex.exe")
 
 
