@@ -75,7 +75,8 @@ void open_with_desktop(const QString& target) {
     SHELLEXECUTEINFOW order = {};
     order.cbSize = sizeof order;
     order.hwnd = window_handle(QApplication::activeWindow());
-    order.lpVerb = L"open";
+    // What a double click does: a kind of file may prefer another verb to "open", or have no other.
+    order.lpVerb = nullptr;
     order.lpFile = wide(native);
     order.nShow = SW_SHOWNORMAL;
     // The shell tells the user itself, in its own words and box, of a missing file or program,
