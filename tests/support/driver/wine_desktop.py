@@ -17,11 +17,11 @@ class WineDesktop:
     """Belongs to a running station; program is the stand-in (tests/support/stand_in)."""
 
     def __init__(self, station, program):
-        self._told = station.drive / "opened.txt"
         self._station = station
         copy = station.drive / "stand-in.exe"
         shutil.copy(program, copy)
-        command = f'"{station.as_told(copy)}" "{station.as_told(self._told)}" "%1"'
+        self._told = station.drive / "stand-in.exe.txt"
+        command = f'"{station.as_told(copy)}" "%1"'
         station.set_registry({
             rf"{_CLASSES}\.pdf": {"": _CLASS}, rf"{_CLASSES}\.html": {"": _CLASS},
             rf"{_CLASSES}\{_CLASS}\shell\open\command": {"": command}})
