@@ -53,8 +53,8 @@ class WineRoom(unittest.TestCase):
         return subprocess.Popen(
             [str(self.folder / "bin/bash"), str(self.tool), *map(str, arguments)], text=True,
             env={"PATH": str(self.folder / "bin"), "CALLS": str(self.calls),
-                 "XDG_CACHE_HOME": str(self.folder / "cache"), "ASKED_EUID": "0" if root else "1000"}
-            | environment, cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                 "XDG_CACHE_HOME": str(self.folder / "cache"),
+                 "ASKED_EUID": "0" if root else "1000"} | environment, cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
             stderr=subprocess.PIPE, preexec_fn=heed_signals)
 
     def enter(self, *arguments, **options):
@@ -97,8 +97,8 @@ class WineRoom(unittest.TestCase):
             self.folder / "cache/folidex/wine-room", "--user", "clerk", "ls", "-l"))
 
     def test_folders_go_in_with_full_paths_in_their_order(self):
-        self.enter("--writable", "out put", "--layer", "a/../b", "--base", "rooms", "--bind", "/srv",
-                   "--user", "root", "true")
+        self.enter("--writable", "out put", "--layer", "a/../b", "--base", "rooms", "--bind",
+                   "/srv", "--user", "root", "true")
         self.assertEqual(self.called(), self.inner_call(
             self.folder / "rooms", "--user", "root", "--writable", self.folder / "out put",
             "--layer", self.folder / "b", "--bind", "/srv", "true"))
