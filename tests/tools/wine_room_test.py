@@ -50,11 +50,12 @@ class WineRoom(unittest.TestCase):
         path.chmod(0o755)
 
     def start(self, *arguments, root=True, **environment):
+        environment |= {"PATH": str(self.folder / "bin"), "CALLS": str(self.calls),
+                        "XDG_CACHE_HOME": str(self.folder / "cache"),
+                        "ASKED_EUID": "0" if root else "1000"}
         return subprocess.Popen(
             [str(self.folder / "bin/bash"), str(self.tool), *map(str, arguments)], text=True,
-            env={"PATH": str(self.folder / "bin"), "CALLS": str(self.calls),
-                 "XDG_CACHE_HOME": str(self.folder / "cache"),
-                 "ASKED_EUID": "0" if root else "1000"} | environment, cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+            env=environment, cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
             stderr=subprocess.PIPE, preexec_fn=heed_signals)
 
     def enter(self, *arguments, **options):
