@@ -3,7 +3,6 @@
 
 #include "capture/scanner/twain_helper.h"
 
-#include "capture/scanner/twain_leash.h"
 #include "capture/scanner/twain_words.h"
 
 #include <QElapsedTimer>
@@ -39,7 +38,7 @@ void TwainHelper::start(const TwainProgram& program, const QStringList& task) {
     pipe_.started();
     if (!started)
         throw twain_program_error(scanner_, program.path, process_.errorString());
-    put_on_leash(process_.processId());
+    leash_.put_on(process_.processId());
 }
 
 std::optional<TwainFrame> TwainHelper::next(Time patience) {
@@ -56,16 +55,31 @@ void TwainHelper::send(twain::Command command) {
     process_.waitForBytesWritten(kByteWritten);
 }
 
-void TwainHelper::release(Time patience, const std::function<bool()>& hurry) {
+void TwainHelper::release(Time patience, const GiveUp& give_up) {
+    leash_.let_go();
     if (running())
         process_.closeWriteChannel();
     QElapsedTimer clock;
     clock.start();
-    while (running() && !clock.hasExpired(patience.count()) && !hurry()) {
-        process_.waitForFinished(kLook);
-        pipe_.read(Time(0));
+    while (running() && !clock.hasExpired(patience.count())) {
+        const auto frame = left_over();
+        if (!frame)
+            process_.waitForFinished(kLook);
+        if (give_up(frame))
+            break;
     }
     kill();
+}
+
+std::optional<TwainFrame> TwainHelper::left_over() {
+    try {
+        return next(Time(0));
+    } catch (const Error&) {
+        // Whoever listened has been told already. The pipe is emptied all the same, because a
+        // helper that cannot write cannot end either.
+        pipe_.read(Time(0));
+        return std::nullopt;
+    }
 }
 
 void TwainHelper::kill() {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "capture/scanner/twain_frame_reader.h"
+#include "capture/scanner/twain_leash.h"
 #include "capture/scanner/twain_pipe.h"
 
 #include <QProcess>
@@ -39,14 +40,19 @@ public:
     bool running() const { return process_.state() != QProcess::NotRunning; }
     std::uint32_t exit_code() const { return static_cast<std::uint32_t>(process_.exitCode()); }
 
+    /// Asked over and over during the release, with the frame that came meanwhile, if any.
+    using GiveUp = std::function<bool(const std::optional<TwainFrame>& frame)>;
     /// Tells it that nobody listens any more and kills it when it has not ended in time, or as
-    /// soon as hurry says so.
-    void release(Time patience, const std::function<bool()>& hurry);
+    /// soon as it is given up. The end of the program no longer is its end.
+    void release(Time patience, const GiveUp& give_up);
     void kill();
 
 private:
+    std::optional<TwainFrame> left_over();
+
     QString scanner_;
     QProcess process_;
+    TwainLeash leash_;
     TwainPipe pipe_;
     TwainFrameReader reader_;
 };

@@ -7,8 +7,21 @@
 
 namespace folidex {
 
-/// Makes sure that a helper does not outlive the program, however that ends: a driver that hangs
-/// would not notice that its helper's input has ended. One source per system.
-void put_on_leash(qint64 process);
+/// Makes sure that a helper at work goes with a program that is killed or crashes. Once let go, a
+/// helper outlives the program for as long as it needs for its way down, within its own limit.
+/// One source per system.
+class TwainLeash {
+public:
+    TwainLeash() = default;
+    ~TwainLeash();
+    TwainLeash(const TwainLeash&) = delete;
+    TwainLeash& operator=(const TwainLeash&) = delete;
+
+    void put_on(qint64 process);
+    void let_go();
+
+private:
+    void* job_ = nullptr;
+};
 
 } // namespace folidex

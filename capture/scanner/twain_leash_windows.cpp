@@ -9,29 +9,36 @@ namespace folidex {
 
 namespace {
 
-/// The system ends all processes of the job when the last handle to it goes, which is when this
-/// process does.
-HANDLE job_of_helpers() {
-    static const HANDLE job = [] {
-        const HANDLE made = CreateJobObjectW(nullptr, nullptr);
-        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
-        limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
-        SetInformationJobObject(made, JobObjectExtendedLimitInformation, &limits, sizeof limits);
-        return made;
-    }();
-    return job;
+bool limit(HANDLE job, DWORD flags) {
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags = flags;
+    return SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
 }
 
 } // namespace
 
-void put_on_leash(qint64 process) {
+TwainLeash::~TwainLeash() {
+    if (job_)
+        CloseHandle(job_);
+}
+
+void TwainLeash::put_on(qint64 process) {
     const HANDLE handle =
         OpenProcess(PROCESS_SET_QUOTA | PROCESS_TERMINATE, FALSE, static_cast<DWORD>(process));
     if (!handle)
         return;
-    if (!AssignProcessToJobObject(job_of_helpers(), handle))
+    // The system ends the processes of a job when the last handle to it goes, which is when this
+    // process does.
+    job_ = CreateJobObjectW(nullptr, nullptr);
+    if (!job_ || !limit(job_, JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE) ||
+        !AssignProcessToJobObject(job_, handle))
         qWarning("A scanning helper could not be put on a leash: error %lu", GetLastError());
     CloseHandle(handle);
+}
+
+void TwainLeash::let_go() {
+    if (job_ && !limit(job_, 0))
+        qWarning("A scanning helper could not be let go: error %lu", GetLastError());
 }
 
 } // namespace folidex

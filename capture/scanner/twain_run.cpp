@@ -88,19 +88,34 @@ void TwainRun::acquire(ScanControl& control, bool until_empty, PageSpool& spool)
 
 void TwainRun::release(const std::function<bool()>& hurry) {
     if (helper_)
-        helper_->release(settings_.release, hurry);
+        helper_->release(settings_.release, [&](const std::optional<TwainFrame>& frame) {
+            if (frame)
+                hear(*frame);
+            return hurry() || hangs();
+        });
     helper_.reset();
+}
+
+void TwainRun::hear(const TwainFrame& frame) {
+    heard_.start();
+    scanning_ = scanning_ || frame.kind == Kind::kPage;
+    going_down_ = going_down_ || frame.kind == Kind::kDone;
+}
+
+bool TwainRun::hangs() const {
+    // Many drivers do not answer while they bring in paper, or put their scanner away.
+    return !scanning_ && !going_down_ && heard_.hasExpired(settings_.silence.count());
 }
 
 std::optional<TwainFrame> TwainRun::next(ScanControl& control) {
     for (;;) {
         if (control.cancelled()) {
-            stop();
+            helper_->send(Command::kCancel);
             return std::nullopt;
         }
         auto frame = helper_->next(kLook);
         if (frame) {
-            heard_.start();
+            hear(*frame);
             control.set_silent(false);
             if (frame->kind != Kind::kAlive)
                 return frame;
@@ -110,22 +125,6 @@ std::optional<TwainFrame> TwainRun::next(ScanControl& control) {
             control.set_silent(true);
         }
     }
-}
-
-void TwainRun::stop() {
-    QElapsedTimer clock;
-    clock.start();
-    try {
-        helper_->send(Command::kCancel);
-        while (helper_->running() && !clock.hasExpired(settings_.cancel.count())) {
-            const auto frame = helper_->next(kLook);
-            if (frame && frame->kind == Kind::kDone)
-                return;
-        }
-    } catch (const Error& error) {
-        qWarning("While a scan was cancelled: %s", qPrintable(error.description));
-    }
-    helper_->kill();
 }
 
 void TwainRun::take(const TwainFrame& frame, ScanControl& control, PageSpool& spool) {

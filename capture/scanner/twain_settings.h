@@ -13,10 +13,9 @@ struct TwainSettings {
 
     TwainProgram program64;
     TwainProgram program32;
-    Time list{10'000};   ///< a list that has not come by then never will
-    Time silence{5'000}; ///< without a sign of life before the user is told
-    Time cancel{1'200};  ///< between Cancel and the end by force
-    Time release{3'000}; ///< for a driver to put its scanner away
+    Time list{10'000};    ///< a list that has not come by then never will
+    Time silence{5'000};  ///< without a sign of life before the user is told
+    Time release{10'000}; ///< for a driver to end its page and put its scanner away
 
     const TwainProgram& program(int bits) const { return bits == 64 ? program64 : program32; }
 };

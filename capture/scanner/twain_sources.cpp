@@ -74,7 +74,7 @@ void TwainSources::Core::look(int bits, const TwainSettings& settings) {
     if (!complete)
         helper.kill();
     end(bits, complete);
-    helper.release(settings.release, [this] { return leaving.load(); });
+    helper.release(settings.release, [this](const auto&) { return leaving.load(); });
 }
 
 bool TwainSources::Core::read_list(int bits, TwainHelper& helper,

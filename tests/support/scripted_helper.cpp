@@ -13,6 +13,7 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <mutex>
 #include <sstream>
 #include <string>
@@ -47,6 +48,8 @@ std::filesystem::path g_log;
 std::mutex g_mutex;
 std::deque<char> g_commands;
 bool g_deaf = false;
+/// The gate at which its way down is held up; none when empty.
+std::string g_parking;
 
 std::uint32_t g_pages = 0;
 std::uint32_t g_rows = 0;
@@ -81,6 +84,25 @@ template <class T> void frame(Kind kind, const T& payload) {
     std::_Exit(code);
 }
 
+/// Waits for a gate that the test opens; looks at something else now and then.
+void wait_for_gate(const std::string& name, const std::function<void()>& meanwhile) {
+    note(": at " + name);
+    const auto end = std::chrono::steady_clock::now() + kLongestHang;
+    while (!std::filesystem::exists(g_folder / name)) {
+        if (std::chrono::steady_clock::now() > end)
+            leave(9);
+        meanwhile();
+        std::this_thread::sleep_for(kLook);
+    }
+}
+
+/// As it should be, once the scanner is put away.
+[[noreturn]] void go_down() {
+    if (!g_parking.empty())
+        wait_for_gate(g_parking, [] {});
+    leave(0);
+}
+
 void done(Outcome outcome, Step step = Step::kNone, std::uint16_t return_code = 0,
           std::uint16_t condition_code = 0, std::uint32_t detail = 0) {
     frame(Kind::kDone, Ending{outcome, step, return_code, condition_code, 0, g_pages, detail});
@@ -110,11 +132,10 @@ char command() {
         next = g_commands.front();
         g_commands.pop_front();
     }
-    if (next == kInputEnded || next == static_cast<char>(Command::kClose))
-        leave(0);
-    if (next == static_cast<char>(Command::kCancel)) {
+    if (next == kInputEnded || next == static_cast<char>(Command::kClose) ||
+        next == static_cast<char>(Command::kCancel)) {
         done(Outcome::kCancelled);
-        leave(0);
+        go_down();
     }
     return next;
 }
@@ -124,20 +145,6 @@ char wait_for_command() {
         const char next = command();
         if (next != ' ')
             return next;
-        std::this_thread::sleep_for(kLook);
-    }
-}
-
-/// Waits for a gate that the test opens, with a sign of life at every look when alive.
-void wait_for_gate(const std::string& name, bool alive) {
-    note(": at " + name);
-    const auto end = std::chrono::steady_clock::now() + kLongestHang;
-    while (!std::filesystem::exists(g_folder / name)) {
-        if (std::chrono::steady_clock::now() > end)
-            leave(9);
-        if (alive)
-            frame(Kind::kAlive);
-        command();
         std::this_thread::sleep_for(kLook);
     }
 }
@@ -226,7 +233,7 @@ void trouble(std::istringstream& words) {
         leave(3);
     if (wait_for_command() == static_cast<char>(Command::kKeep)) {
         done(Outcome::kGood);
-        leave(0);
+        go_down();
     }
 }
 
@@ -272,9 +279,16 @@ void play(const std::string& line) {
     else if (what == "done")
         finish(words);
     else if (what == "gate" && words >> name)
-        wait_for_gate(name, false);
+        wait_for_gate(name, [] { command(); });
     else if (what == "alive" && words >> name)
-        wait_for_gate(name, true);
+        wait_for_gate(name, [] {
+            frame(Kind::kAlive);
+            command();
+        });
+    else if (what == "busy" && words >> name)
+        wait_for_gate(name, [] {});
+    else if (what == "parks")
+        words >> g_parking;
     else if (what == "raw")
         send_raw(words);
     else if (what == "deaf")
@@ -331,5 +345,5 @@ int main(int argc, char** argv) {
         play(line);
         command();
     }
-    leave(0);
+    go_down();
 }

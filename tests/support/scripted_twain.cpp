@@ -21,7 +21,7 @@ ScriptedTwain::ScriptedTwain() {
     const QString program = QString::fromUtf8(SCRIPTED_HELPER);
     settings.program64 = {program, {folder_.path(), u"64"_s}};
     settings.program32 = {program, {folder_.path(), u"32"_s}};
-    settings.list = settings.silence = settings.cancel = kAmple;
+    settings.list = settings.silence = kAmple;
     // Longer than anything: a driver that is not to be waited for must be cut short.
     settings.release = std::chrono::minutes(10);
 }

@@ -21,7 +21,7 @@ TREE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(TREE / "tests/support"))
 sys.dont_write_bytecode = True
 
-from driver.stack import Stack  # noqa: E402
+from driver.stack import Stack, wait_until  # noqa: E402
 from driver.wine_machine import Machine  # noqa: E402
 
 DEADLINE = 60  # seconds; how long a busy machine may take for anything that must happen
@@ -223,6 +223,9 @@ class Desk:
     def log(self):
         path = self.folder / "scanners.log"
         return path.read_text("cp1252").splitlines() if path.exists() else []
+
+    def wait_for_log(self, line):
+        wait_until(lambda: line in self.log(), f"\"{line}\" in the log")
 
     def run(self, *arguments, **options):
         return Helper(self.workstation, self.program, *arguments, **options)

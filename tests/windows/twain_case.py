@@ -43,6 +43,19 @@ class Scanning:
             helper.exit_code = helper.ended()
         return helper, ending
 
+    def paused(self, place, **keys):
+        """A scan that has come to a place from which its driver does not come back yet."""
+        (self.desk.folder / "scanners.go").unlink(missing_ok=True)
+        self.desk.script(Virtual={"pages": "gray100@30x20*2", "rows": 5, "pause": place, **keys})
+        helper = self.enterContext(self.desk.scan())
+        helper.until("O")
+        helper.say("a")
+        self.desk.wait_for_log(f"pause at {place}")
+        return helper
+
+    def go_on(self):
+        (self.desk.folder / "scanners.go").touch()
+
     def assert_outcome(self, ending, outcome, step=hp.NO_STEP, condition=0, pages=0):
         self.assertEqual((ending.outcome, ending.step, ending.condition, ending.pages),
                          (outcome, step, condition, pages), ending)
@@ -65,9 +78,9 @@ class Scanning:
         return names
 
     def steps(self):
-        """What the source was told after it was opened, without its settings."""
+        """What the source was told after it was opened, without its settings and its pauses."""
         return [line.removeprefix("Virtual ") for line in self.desk.log()
-                if " set " not in line]
+                if " set " not in line and not line.startswith("pause at ")]
 
     def assert_released(self):
         """The whole ladder down, each rung in its state."""

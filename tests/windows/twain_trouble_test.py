@@ -166,6 +166,32 @@ class Trouble(Scanning):
             helper.process.stdin.close()
             self.assertEqual(helper.ended(), 4)
 
+    def test_a_manager_that_hangs_on_load_does_not_outlive_the_program_for_long(self):
+        self.desk.script({"hang": "load"}, Virtual={})
+        with self.desk.list() as helper:
+            self.desk.wait_for_log("hang at load:0")
+            helper.process.stdin.close()
+            self.assertEqual(helper.ended(), 4)
+
+    def test_a_driver_that_is_cancelled_in_a_slow_transfer_takes_the_whole_way_down(self):
+        helper = self.paused("middle:1")
+        helper.say("c")
+        self.go_on()
+        self.assert_outcome(helper.done(), hp.CANCELLED)
+        self.assertEqual(helper.ended(), 0)
+        self.assertEqual(self.steps()[-5:], ["endxfer", "reset", "disable", "close",
+                                             "manager close"])
+
+    def test_a_driver_that_is_slow_to_put_its_scanner_away_comes_to_its_end(self):
+        for place in ("disable:0", "close:0"):
+            with self.subTest(place=place):
+                helper = self.paused(place)
+                self.assert_outcome(helper.done(), hp.GOOD, pages=2)
+                helper.process.stdin.close()
+                self.go_on()
+                self.assertEqual(helper.ended(), 0)
+                self.assert_released()
+
     def test_a_crash_on_the_way_out_loses_nothing(self):
         for place in ("disable", "close"):
             with self.subTest(place=place):

@@ -9,7 +9,7 @@ namespace folidex::twain {
 
 namespace {
 
-/// How long the way down may take once the program is gone, in milliseconds.
+/// How long the way down may take once nobody listens any more, in milliseconds.
 constexpr DWORD kPatience = 10000;
 constexpr UINT kExitCode = 4;
 
@@ -18,15 +18,21 @@ constexpr UINT kExitCode = 4;
 void Commands::listen(HANDLE input, HWND window) {
     input_ = input;
     window_ = window;
+    listening_ = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     // Not a std::thread: the process ends without waiting for it.
-    if (const HANDLE thread = CreateThread(nullptr, 0, &Commands::read, this, 0, nullptr))
-        CloseHandle(thread);
-    else
+    const HANDLE thread = CreateThread(nullptr, 0, &Commands::read, this, 0, nullptr);
+    if (listening_ == nullptr || thread == nullptr) {
         cancelled_ = true;
+        return;
+    }
+    CloseHandle(thread);
+    // No thread begins while a library is being loaded, and drivers hang there, too.
+    WaitForSingleObject(listening_, INFINITE);
 }
 
 DWORD WINAPI Commands::read(void* commands) {
     auto& self = *static_cast<Commands*>(commands);
+    SetEvent(self.listening_);
     for (;;) {
         char command = 0;
         DWORD read = 0;

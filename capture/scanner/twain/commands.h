@@ -11,11 +11,11 @@
 namespace folidex::twain {
 
 /// What the program says, read by a thread of its own, so that it is heard while a driver works.
-/// Each command wakes the message loop through `window`. Ends the process when the program is gone
-/// and a driver does not come back.
+/// Each command wakes the message loop through `window`. Ends the process when nobody listens any
+/// more and a driver does not come back: then nobody else is left to do it.
 class Commands {
 public:
-    /// The thread lives as long as the process; so must this.
+    /// Returns once the thread listens. It lives as long as the process; so must this.
     void listen(HANDLE input, HWND window);
 
     /// kCancel came, or the program is gone.
@@ -27,6 +27,7 @@ private:
     static DWORD WINAPI read(void* commands);
 
     HANDLE input_ = nullptr;
+    HANDLE listening_ = nullptr;
     HWND window_ = nullptr;
     std::atomic<bool> cancelled_ = false;
     std::atomic<char> last_ = 0;

@@ -113,5 +113,8 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
     } catch (const Failure& failure) {
         pipe.send_last(failure.ending(0));
     }
+    // Returning would end the thread that watches over the way down before it calls on drivers that
+    // are still loaded, of which one that hangs would stay for good.
+    TerminateProcess(GetCurrentProcess(), 0);
     return 0;
 }

@@ -31,6 +31,14 @@ std::string script_path() {
     return *above < 0 ? 0 : fall(filling) + filling[0];
 }
 
+/// A driver that takes its time, until a file beside the script says otherwise.
+void pause() {
+    std::string path = script_path();
+    path.replace(path.find_last_of('.'), std::string::npos, ".go");
+    while (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES)
+        Sleep(10);
+}
+
 void chatter() {
     std::printf("the driver says something\n");
     std::fflush(stdout);
@@ -52,6 +60,8 @@ void do_mishap(const std::string& kind) {
         *static_cast<volatile int*>(nullptr) = 1;
     if (kind == "hang")
         Sleep(INFINITE);
+    if (kind == "pause")
+        pause();
     if (kind == "throw")
         throw std::runtime_error("out of a driver");
     if (kind == "raise") // what a C++ exception of other compilers is
@@ -120,8 +130,8 @@ void note(const std::string& line) {
 
 void mishap_at(const std::string& section, const std::string& place, int page) {
     const std::string numbered = place + ":" + std::to_string(page);
-    for (const char* kind : {"chatter", "crash", "hang", "throw", "raise", "overflow", "abort",
-                             "exit", "filter", "crash_thread"}) {
+    for (const char* kind : {"chatter", "crash", "hang", "pause", "throw", "raise", "overflow",
+                             "abort", "exit", "filter", "crash_thread"}) {
         const std::string where = text(section, kind);
         if (where.empty() || (where != place && where != numbered))
             continue;
