@@ -27,6 +27,7 @@ bool fits(Kind kind, std::uint32_t length) {
     case Kind::kOpened:
     case Kind::kWindow:
     case Kind::kAlive:
+    case Kind::kReady:
     case Kind::kPageDrop:
         return length == 0;
     case Kind::kPage:

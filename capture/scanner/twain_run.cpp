@@ -98,7 +98,7 @@ void TwainRun::release(const std::function<bool()>& hurry) {
 
 void TwainRun::hear(const TwainFrame& frame) {
     heard_.start();
-    scanning_ = scanning_ || frame.kind == Kind::kPage;
+    scanning_ = scanning_ || frame.kind == Kind::kReady || frame.kind == Kind::kPage;
     going_down_ = going_down_ || frame.kind == Kind::kDone;
 }
 
@@ -132,6 +132,11 @@ void TwainRun::take(const TwainFrame& frame, ScanControl& control, PageSpool& sp
         out_of_step(frame.kind);
     switch (frame.kind) {
     case Kind::kWindow:
+        break;
+    case Kind::kReady:
+        if (page_)
+            out_of_step(frame.kind);
+        control.begin_page(pages_ + 1);
         break;
     case Kind::kPage:
         if (page_)

@@ -262,6 +262,8 @@ void play(const std::string& line) {
         wait_for_command();
     else if (what == "window")
         frame(Kind::kWindow);
+    else if (what == "ready")
+        frame(Kind::kReady);
     else if (what == "page")
         begin_page(words);
     else if (what == "rows" && words >> number)

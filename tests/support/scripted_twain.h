@@ -11,12 +11,12 @@ namespace folidex::test {
 
 /// Scanning helpers that play scripts. A word size without a script has no source manager; a
 /// script is a list of lines:
-///     source INDEX NAME · opened · await (a command) · window · page KIND WIDTH HEIGHT DPI DPI ·
-///     rows COUNT · file NAME (the bytes of a JPEG) · end [ROWS] · drop · trouble CODE CODE [exit]
-///     (and the answer) · pages COUNT (of the endings) · done OUTCOME [STEP CODE CODE DETAIL] ·
-///     gate NAME (until the test opens it) · alive NAME (the same, with signs of life) · busy NAME
-///     (the same, without looking at commands) · parks NAME (held up there when it ends) · raw HEX
-///     BYTES · deaf (to commands) · hang · exit CODE
+///     source INDEX NAME · opened · await (a command) · window · ready · page KIND WIDTH HEIGHT DPI
+///     DPI · rows COUNT · file NAME (the bytes of a JPEG) · end [ROWS] · drop · trouble CODE CODE
+///     [exit] (and the answer) · pages COUNT (of the endings) · done OUTCOME [STEP CODE CODE
+///     DETAIL] · gate NAME (until the test opens it) · alive NAME (the same, with signs of life) ·
+///     busy NAME (the same, without looking at commands) · parks NAME (held up there when it ends)
+///     · raw HEX BYTES · deaf (to commands) · hang · exit CODE
 /// Cancelled, or when its input ends, a helper that is not deaf ends as it should.
 class ScriptedTwain {
 public:

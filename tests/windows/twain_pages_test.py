@@ -119,6 +119,18 @@ class Pages(Scanning):
                 calls = "old" not in manager and keys.get("protocol", 2) == 2
                 self.assertEqual("manager callback" in self.desk.log(), calls)
 
+    def test_a_page_is_announced_before_it_comes(self):
+        for transfers in ("memory", "native"):
+            with self.subTest(transfers=transfers):
+                helper = self.paused("transfer:2", transfers=transfers)
+                helper.until("W")
+                self.assertEqual([helper.frame()[0] for _ in range(2)], ["A", "B"])
+                helper.until("E")
+                self.assertEqual(helper.frame()[0], "A")
+                self.assertTrue(helper.frames.empty())
+                self.go_on()
+                self.assert_outcome(helper.done(), hp.GOOD, pages=2)
+
     # Endings
 
     def test_closing_the_sources_window_is_a_cancel_without_pages(self):

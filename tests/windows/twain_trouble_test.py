@@ -151,7 +151,7 @@ class Trouble(Scanning):
         with self.desk.scan() as helper:
             helper.until("O")
             helper.say("a")
-            helper.until("W")
+            helper.until("A")
             self.wait_for_log("hang at transfer:1")
             self.assertRaises(queue.Empty, helper.frames.get, timeout=3)
             self.assertIsNone(helper.process.poll())
@@ -161,7 +161,7 @@ class Trouble(Scanning):
         with self.desk.scan() as helper:
             helper.until("O")
             helper.say("a")
-            helper.until("W")
+            helper.until("A")
             self.wait_for_log("hang at transfer:1")
             helper.process.stdin.close()
             self.assertEqual(helper.ended(), 4)
@@ -213,7 +213,7 @@ class Trouble(Scanning):
         with self.desk.scan() as helper:
             helper.until("O")
             helper.say("a")
-            helper.until("W")
+            helper.until("A")
             self.assertEqual(helper.ended(), 9)
 
     def test_what_a_driver_prints_does_not_reach_the_frames(self):

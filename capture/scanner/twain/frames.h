@@ -22,6 +22,7 @@ enum class Kind : char {
     kOpened = 'O',   ///< scan: the source is open (state 4); the helper waits for a command
     kWindow = 'W',   ///< the source's own window is up (state 5): now the user decides
     kAlive = 'H',    ///< every second while the helper's user-interface thread runs
+    kReady = 'A',    ///< the source has a page (state 6); drivers may take their time to give it
     kPage = 'B',     ///< PageHeader; a page begins
     kRows = 'R',     ///< whole packed rows of the page, or the next bytes of its JPEG
     kPageEnd = 'E',  ///< PageEnd; the page is whole

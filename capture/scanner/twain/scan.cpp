@@ -95,6 +95,7 @@ Scan::Next Scan::page() {
         return is_cancelled();
     };
     PageTransfer transfer(session_, by_memory_, breathe);
+    FramePipe::of_process().send(Kind::kReady);
     try {
         if (!transfer.run()) {
             if (transfer.begun())

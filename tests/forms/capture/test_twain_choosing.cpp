@@ -169,6 +169,30 @@ private Q_SLOTS:
         QTRY_VERIFY(!progress_window());
     }
 
+    void a_page_that_comes_all_at_once_is_shown_while_it_comes() {
+        // As soon as nothing is heard of a driver that has no page, it counts as hanging.
+        desk_->twain.settings.silence = std::chrono::milliseconds(0);
+        desk_->open_listed();
+        desk_->while_scanning([this] {
+            for (const QString& page : {u"1"_s, u"2"_s}) {
+                QVERIFY(wait_until([&] {
+                    return progress_window() &&
+                           progress_window()->findChild<QLabel*>(u"lblPage"_s)->text() ==
+                               u"Page "_s + page;
+                }));
+                const auto* bar = progress_window()->findChild<QProgressBar*>(u"pbPage"_s);
+                QVERIFY(wait_until([&] { return bar->maximum() == 0; }));
+                QVERIFY(progress_control("cmdCancelScan"));
+                desk_->twain.open_gate(u"whole"_s + page);
+            }
+        });
+        desk_->scan_with({u"opened"_s, u"await"_s, u"window"_s, u"ready"_s, u"busy whole1"_s,
+                          u"page gray 100 50 100 100"_s, u"rows 50"_s, u"end"_s, u"ready"_s,
+                          u"busy whole2"_s, u"page gray 200 50 100 100"_s, u"rows 50"_s, u"end"_s,
+                          u"done 0"_s});
+        QCOMPARE(desk_->scanned_widths(), QList<int>({100, 200}));
+    }
+
     void the_form_is_alive_but_out_of_reach_while_the_user_chooses() {
         desk_->open_listed();
         Paintings paintings(desk_->form.get());

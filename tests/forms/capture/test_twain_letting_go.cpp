@@ -42,12 +42,18 @@ private Q_SLOTS:
         QCOMPARE(TwainSettings{}.release, std::chrono::seconds(10));
     }
 
+    void cancelling_frees_the_user_at_once_and_lets_the_driver_finish_data() {
+        QTest::addColumn<QStringList>("page");
+        QTest::newRow("a page that comes in strips") << kHalfAPage;
+        QTest::newRow("a page that comes all at once") << QStringList{u"ready"_s};
+    }
     void cancelling_frees_the_user_at_once_and_lets_the_driver_finish() {
+        QFETCH(QStringList, page);
         // Silence means nothing while paper moves, or a scanner is put away.
         desk_->twain.settings.silence = std::chrono::milliseconds(0);
         desk_->open_listed();
         desk_->while_scanning([this] { cancel_in_the_page(); });
-        desk_->scan_with(QStringList{u"parks ejecting"_s} + kBegin + kHalfAPage +
+        desk_->scan_with(QStringList{u"parks ejecting"_s} + kBegin + page +
                          QStringList{u"busy moving"_s});
         QCOMPARE(desk_->scanned_pdf(), QByteArray());
         QVERIFY(wait_until([] { return !progress_window(); }));

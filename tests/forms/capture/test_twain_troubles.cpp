@@ -112,6 +112,7 @@ private Q_SLOTS:
         QTest::newRow("rows without a page") << QStringList{u"raw 52 0 0 0 1 0 0 0 7"_s};
         QTest::newRow("the end of no page") << QStringList{u"end 5"_s};
         QTest::newRow("a page in a page") << kHalfAPage + kHalfAPage;
+        QTest::newRow("a page announced in a page") << kHalfAPage + QStringList{u"ready"_s};
         QTest::newRow("an end in a page") << kHalfAPage + QStringList{u"done 0"_s};
         QTest::newRow("a source") << QStringList{u"source 0 Front desk"_s};
         QTest::newRow("opened twice") << QStringList{u"opened"_s};
