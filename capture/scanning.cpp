@@ -89,6 +89,8 @@ void frmScanNew::show_pages_state() {
         state = u"The pages on file are kept unless you scan again."_s;
     else if (cmdScan->isEnabled())
         state = u"No pages yet: choose Scan."_s;
+    else if (Twain1->searching())
+        state = u"Looking for scanners..."_s;
     else
         state = u"No scanner found. Connect one, switch it on, then open this window again."_s;
     lblPagesState->setText(state);

@@ -30,18 +30,22 @@ BackgroundScanner::~BackgroundScanner() {
 int BackgroundScanner::source_count() {
     if (!std::exchange(searched_, true)) {
         begin_search();
+        const bool more = search_goes_on();
         add_found_sources();
-        late_.start(kLookEvery);
+        if (more)
+            late_.start(kLookEvery);
     }
     return known_sources();
 }
 
 void BackgroundScanner::look_for_late_sources() {
-    if (!searching())
-        late_.stop();
+    const bool more = search_goes_on();
     const int before = known_sources();
     add_found_sources();
-    if (known_sources() > before && sources_changed_)
+    if (!more)
+        late_.stop();
+    const bool found_nothing = !more && known_sources() == 0;
+    if ((found_nothing || known_sources() > before) && sources_changed_)
         sources_changed_();
 }
 

@@ -29,6 +29,7 @@ public:
     void set_patience(const ScanPatience& patience) { patience_ = patience; }
 
     int source_count() override;
+    bool searching() const override { return late_.isActive(); }
     void on_sources_changed(std::function<void()> handler) override;
     void set_current_source(int index) override;
     void set_use_feeder(bool on) override;
@@ -75,7 +76,7 @@ protected:
 private:
     /// Begins to search for sources and waits for the quick ones.
     virtual void begin_search() = 0;
-    virtual bool searching() const = 0;
+    virtual bool search_goes_on() const = 0;
     /// Adds the sources found since; they come at the end of those already known.
     virtual void add_found_sources() = 0;
     virtual int known_sources() const = 0;

@@ -26,7 +26,7 @@ private:
     using SaneWork = std::function<void(const SaneApi& api, ScanControl& operation)>;
 
     void begin_search() override;
-    bool searching() const override { return !search_->complete(); }
+    bool search_goes_on() const override { return !search_->complete(); }
     void add_found_sources() override { sources_ = search_->sources(); }
     int known_sources() const override { return static_cast<int>(sources_.size()); }
     /// Work for the session's thread, which has the API.

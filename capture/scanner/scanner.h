@@ -22,7 +22,10 @@ public:
     virtual int source_count() = 0;
     /// Name of source k, counted from 0.
     virtual QString source_name(int k) = 0;
-    /// Called on the UI thread when a source that answered late was added.
+    /// Whether sources may still be added.
+    virtual bool searching() const = 0;
+    /// Called on the UI thread when a source that answered late was added, and when a search that
+    /// went on after the first call has ended with nothing.
     virtual void on_sources_changed(std::function<void()> handler) = 0;
 
     virtual void set_current_source(int index) = 0;

@@ -33,7 +33,7 @@ void TwainScanner::begin_search() {
     session_->sources().wait(patience().first_answer);
 }
 
-bool TwainScanner::searching() const {
+bool TwainScanner::search_goes_on() const {
     return session_->sources().searching();
 }
 

@@ -24,7 +24,7 @@ public:
 
 private:
     void begin_search() override;
-    bool searching() const override;
+    bool search_goes_on() const override;
     void add_found_sources() override;
     int known_sources() const override { return static_cast<int>(sources_.size()); }
     void close_source();

@@ -17,6 +17,7 @@ struct ScannerScript {
     int pages = 1; ///< of the next acquisition
     bool duplex = false;
     bool opens = true;
+    bool searching = false;
     std::optional<Error> jam;        ///< fails the next acquisition
     std::optional<Error> full_disk;  ///< fails the writing of the PDF
     std::function<void()> acquiring; ///< runs while the pages come in
@@ -33,6 +34,7 @@ public:
     explicit ScriptedScanner(std::shared_ptr<ScannerScript> script) : script_(std::move(script)) {}
 
     int source_count() override;
+    bool searching() const override { return script_->searching; }
     QString source_name(int k) override;
     void on_sources_changed(std::function<void()> handler) override;
     void set_current_source(int index) override;

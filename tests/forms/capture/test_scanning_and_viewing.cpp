@@ -36,6 +36,17 @@ private Q_SLOTS:
         QVERIFY(hint().startsWith(u"No scanner found."_s));
     }
 
+    void nothing_is_missed_before_the_search_has_ended() {
+        desk_->scanner->sources.clear();
+        desk_->scanner->searching = true;
+        desk_->open();
+        QVERIFY(!desk_->control<QPushButton>("cmdScan")->isEnabled());
+        QCOMPARE(hint(), u"Looking for scanners..."_s);
+        desk_->scanner->searching = false;
+        desk_->scanner->sources_changed();
+        QVERIFY(hint().startsWith(u"No scanner found."_s));
+    }
+
     void without_a_scanner_the_menu_holds_only_its_title() {
         desk_->scanner->sources.clear();
         desk_->open();

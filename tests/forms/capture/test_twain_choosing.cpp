@@ -68,9 +68,22 @@ private Q_SLOTS:
         desk_->open();
         const auto* scan = desk_->control<QPushButton>("cmdScan");
         QVERIFY(!scan->isEnabled());
+        QCOMPARE(desk_->control<QLabel>("lblPagesState")->text(), u"Looking for scanners..."_s);
         desk_->twain.open_gate(u"late"_s);
         QVERIFY(wait_until([&] { return scan->isEnabled(); }));
         QCOMPARE(desk_->control<QLabel>("lblPagesState")->text(), u"No pages yet: choose Scan."_s);
+    }
+
+    void a_search_that_ends_with_nothing_says_so() {
+        desk_->patience.first_answer = std::chrono::milliseconds(50);
+        desk_->twain.list(64, {u"gate late"_s, u"done 0"_s});
+        desk_->twain.list(32, {u"done 4 1"_s});
+        desk_->open();
+        const auto* state = desk_->control<QLabel>("lblPagesState");
+        QCOMPARE(state->text(), u"Looking for scanners..."_s);
+        desk_->twain.open_gate(u"late"_s);
+        QVERIFY(wait_until([&] { return state->text().startsWith(u"No scanner found."_s); }));
+        QVERIFY(!desk_->control<QPushButton>("cmdScan")->isEnabled());
     }
 
     void the_form_does_not_wait_for_a_list_that_hangs() {
