@@ -40,7 +40,8 @@ struct TwainSources::Core {
     void add(const TwainSource& source);
     void end(int bits, bool complete);
     void look(int bits, const TwainSettings& settings);
-    bool read_list(int bits, TwainHelper& helper, std::chrono::milliseconds patience);
+    std::optional<twain::Outcome> read_list(int bits, TwainHelper& helper,
+                                            std::chrono::milliseconds patience);
 };
 
 void TwainSources::Core::add(const TwainSource& source) {
@@ -64,36 +65,39 @@ void TwainSources::Core::end(int bits, bool complete) {
 
 void TwainSources::Core::look(int bits, const TwainSettings& settings) {
     TwainHelper helper(QStringLiteral("TWAIN, %1 bits").arg(bits));
-    bool complete = false;
+    std::optional<twain::Outcome> outcome;
     try {
         helper.start(settings.program(bits), {QStringLiteral("list")});
-        complete = read_list(bits, helper, settings.list);
+        outcome = read_list(bits, helper, settings.list);
     } catch (...) {
         qWarning("The search for scanners failed: %s", qPrintable(current_error().description));
     }
-    if (!complete)
+    if (!outcome)
         helper.kill();
-    end(bits, complete);
+    // A manager that cannot be used now, or crashes, says nothing about the scanners that there
+    // are: one of them may be what it crashes at, or it is being installed.
+    end(bits, outcome == twain::Outcome::kGood || outcome == twain::Outcome::kNoManager);
     helper.release(settings.release, [this](const auto&) { return leaving.load(); });
 }
 
-bool TwainSources::Core::read_list(int bits, TwainHelper& helper,
-                                   std::chrono::milliseconds patience) {
+/// How it ended; nothing when it was given up.
+std::optional<twain::Outcome> TwainSources::Core::read_list(int bits, TwainHelper& helper,
+                                                            std::chrono::milliseconds patience) {
     QElapsedTimer clock;
     clock.start();
     while (!leaving && !clock.hasExpired(patience.count())) {
         const auto frame = helper.next(kLook);
         if (!frame && !helper.running())
-            return false;
+            return std::nullopt;
         if (!frame)
             continue;
         if (frame->kind == twain::Kind::kDone)
-            return true;
+            return frame->as<twain::Ending>().outcome;
         if (frame->kind == twain::Kind::kSource)
             add({bits, frame->as<twain::SourceEntry>().index,
                  QString::fromUtf8(frame->payload.mid(qsizetype{sizeof(twain::SourceEntry)}))});
     }
-    return false;
+    return std::nullopt;
 }
 
 TwainSources::TwainSources(TwainSettings settings)

@@ -39,6 +39,7 @@ private Q_SLOTS:
     void names_are_kept_as_the_manager_lists_them();
     void the_32_bit_list_is_held_back_until_the_other_has_ended();
     void a_list_that_hangs_is_given_up_and_tried_again();
+    void what_came_before_a_list_broke_off_is_kept_data();
     void what_came_before_a_list_broke_off_is_kept();
     void a_word_size_that_cannot_be_listed_has_no_sources_data();
     void a_word_size_that_cannot_be_listed_has_no_sources();
@@ -128,10 +129,18 @@ void TwainSourcesTest::a_list_that_hangs_is_given_up_and_tried_again() {
     QVERIFY(twain_->log().count(u"list64"_s) >= 2);
 }
 
+void TwainSourcesTest::what_came_before_a_list_broke_off_is_kept_data() {
+    QTest::addColumn<QString>("end");
+    QTest::newRow("gone without a word") << u"exit 3"_s;
+    QTest::newRow("a crash") << u"done 5 2 0 0 3221225477"_s;
+    QTest::newRow("a manager that cannot be used just now") << u"done 2 2 1 2"_s;
+}
+
 void TwainSourcesTest::what_came_before_a_list_broke_off_is_kept() {
+    QFETCH(QString, end);
     twain_->list(64, {u"source 0 Desk"_s, u"source 1 Copier"_s, u"done 0"_s});
     QCOMPARE(search(), QStringList({u"64/0 Desk"_s, u"64/1 Copier"_s}));
-    twain_->list(64, {u"source 0 Desk"_s, u"source 1 New"_s, u"exit 3"_s});
+    twain_->list(64, {u"source 0 Desk"_s, u"source 1 New"_s, end});
     QCOMPARE(search(), QStringList({u"64/0 Desk"_s, u"64/1 Copier"_s, u"64/1 New"_s}));
 }
 
