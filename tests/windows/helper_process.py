@@ -233,9 +233,9 @@ class Desk:
     def list(self, **options):
         return self.run("list", **options)
 
-    def scan(self, name="Virtual", index=0, wishes=ALL_WISHES, owner=0):
+    def scan(self, *options, name="Virtual", index=0, wishes=ALL_WISHES, owner=0):
         return self.run("scan", "--index", index, "--name", name, "--owner", owner, "--wishes",
-                        wishes)
+                        wishes, *options)
 
 
 def level(x, y, page, colour=0):

@@ -9,6 +9,7 @@ import queue
 import unittest
 
 import helper_process as hp
+from driver.stack import wait_until
 from twain_case import (DOUBLE_FEED, INTERLOCK, JAM, NO_MEDIA, SMALL, Scanning,
                         set_up_module)
 
@@ -111,10 +112,29 @@ class Trouble(Scanning):
                 self.assertEqual(ending.detail, detail)
                 self.assert_released()
 
+    def nothing_comes(self, *options):
+        """A scan whose source answers again and again that it has nothing yet."""
+        self.desk.script(Virtual={"pages": SMALL, "nonsense": "empty"})
+        helper = self.enterContext(self.desk.scan(*options))
+        helper.until("O")
+        helper.say("a")
+        self.desk.wait_for_log("Virtual gives nothing")
+        return helper
+
     def test_a_source_that_never_delivers_a_row_is_given_up(self):
-        helper, ending = self.scan(pages=SMALL, nonsense="empty")
-        self.assert_outcome(ending, hp.FAILED, hp.BAD_PAGE)
-        self.assertEqual(helper.dropped, 0)
+        helper = self.nothing_comes("--idle", 300)
+        self.assert_outcome(helper.done(), hp.FAILED, hp.TRANSFER)
+        self.assertEqual((helper.ended(), helper.pages, helper.dropped), (0, [], 0))
+        self.assert_released()
+
+    def test_a_source_that_delivers_nothing_yet_is_waited_for_and_can_be_cancelled(self):
+        helper = self.nothing_comes("--idle", 600_000)
+        # More often than a source would be asked that is given up after so many answers.
+        wait_until(lambda: self.desk.log().count("Virtual gives nothing") > 600, "600 answers")
+        helper.say("c")
+        self.assert_outcome(helper.done(), hp.CANCELLED)
+        self.assertEqual(helper.ended(), 0)
+        self.assert_released()
 
     # Drivers that crash, hang and chatter
 

@@ -9,12 +9,13 @@
 /// crash; so they run in small helper programs, folidex-twain64.exe and folidex-twain32.exe:
 ///
 ///     folidex-twain64.exe list
-///     folidex-twain64.exe scan --index K --name UTF-8-NAME --owner HWND --wishes BITS
+///     folidex-twain64.exe scan --index K --name UTF-8-NAME --owner HWND --wishes BITS [--idle MS]
 ///
 /// The helper writes frames to its standard output, each a Frame and its payload, little endian,
 /// without padding; the program writes single bytes (Command) to its standard input. The end of
 /// that input means that the program is gone: as kCancel, and the helper ends. The helper's own
-/// window belongs to --owner (a window handle in decimal, 0 for none).
+/// window belongs to --owner (a window handle in decimal, 0 for none). A source that answers with
+/// nothing for --idle milliseconds, usually a minute, is given up.
 namespace folidex::twain {
 
 enum class Kind : char {

@@ -60,7 +60,7 @@ Outcome wait_for_acquire(const MessageLoop& loop, Commands& commands) {
 
 Ending scan(Session& session, const MessageLoop& loop, Commands& commands, const Options& options) {
     Ending ending{};
-    Scan scan(session, loop, commands, options.wishes);
+    Scan scan(session, loop, commands, options);
     try {
         session.open(options.index, options.name);
         ending.outcome = wait_for_acquire(loop, commands);

@@ -23,6 +23,8 @@ bool read_option(const std::string& key, const std::string& value, Options& opti
         return read_number(value, options.owner);
     if (key == "--wishes")
         return read_number(value, options.wishes);
+    if (key == "--idle")
+        return read_number(value, options.idle);
     if (key != "--name")
         return false;
     options.name = value;

@@ -17,6 +17,7 @@ struct Options {
     std::string name; ///< UTF-8
     std::uint64_t owner = 0;
     std::uint32_t wishes = 0;
+    std::uint32_t idle = 60'000; ///< milliseconds
 };
 
 /// Of the arguments behind the program's name, in UTF-8; nothing when they make no sense.

@@ -20,9 +20,8 @@ namespace {
 constexpr TW_UINT32 kSmallestBuffer = 64u << 10;
 constexpr TW_UINT32 kUsualBuffer = 256u << 10;
 constexpr TW_UINT32 kLargestBuffer = 64u << 20;
-/// Some sources answer with nothing while the paper moves; after this many answers, each followed
-/// by a short rest, nothing will come any more.
-constexpr int kMostEmptyStrips = 500;
+/// Some sources answer with nothing while the paper moves or the lamp warms up; they are not asked
+/// faster than this.
 constexpr DWORD kRest = 10; // milliseconds
 
 TW_FIX32 fixed(TW_UINT32 value) {
@@ -54,8 +53,9 @@ private:
     PageTransfer& transfer_;
 };
 
-PageTransfer::PageTransfer(Session& session, bool by_memory, std::function<bool()> breathe)
-    : session_(session), by_memory_(by_memory), breathe_(std::move(breathe)) {}
+PageTransfer::PageTransfer(Session& session, bool by_memory, Clock::duration idle,
+                           std::function<bool()> breathe)
+    : session_(session), by_memory_(by_memory), idle_(idle), breathe_(std::move(breathe)) {}
 
 void PageTransfer::fail(Step step, TW_UINT16 answer) const {
     throw Failure{Outcome::kFailed, step, answer, session_.condition()};
@@ -125,7 +125,7 @@ bool PageTransfer::strips(const PageFacts& facts) {
     StripPage page(facts, sink);
     std::vector<std::uint8_t> buffer(buffer_size());
     const auto room = static_cast<TW_UINT32>(buffer.size());
-    for (int empty = 0; empty < kMostEmptyStrips;) {
+    for (auto heard = Clock::now();;) {
         TW_IMAGEMEMXFER strip{};
         strip.Compression = TWON_DONTCARE16;
         strip.BytesPerRow = strip.Columns = strip.Rows = TWON_DONTCARE32;
@@ -147,11 +147,13 @@ bool PageTransfer::strips(const PageFacts& facts) {
         }
         if (breathe_())
             return false;
-        empty = something ? 0 : empty + 1;
-        if (!something)
+        if (something)
+            heard = Clock::now();
+        else if (Clock::now() - heard >= idle_)
+            fail(Step::kTransfer, answer);
+        else
             Sleep(kRest);
     }
-    throw PageRefused{};
 }
 
 bool PageTransfer::whole(const PageFacts& facts) {

@@ -7,6 +7,7 @@
 #include "capture/scanner/twain/session.h"
 #include "capture/scanner/twain/strip_page.h"
 
+#include <chrono>
 #include <functional>
 
 namespace folidex::twain {
@@ -15,8 +16,12 @@ namespace folidex::twain {
 /// as a whole bitmap.
 class PageTransfer {
 public:
-    /// `breathe` deals with waiting messages and tells whether to stop.
-    PageTransfer(Session& session, bool by_memory, std::function<bool()> breathe);
+    using Clock = std::chrono::steady_clock;
+
+    /// A source that gives nothing is given up after `idle`; `breathe` deals with waiting messages
+    /// and tells whether to stop.
+    PageTransfer(Session& session, bool by_memory, Clock::duration idle,
+                 std::function<bool()> breathe);
 
     /// True when the page has come and its kPageEnd is out; false when the user cancelled, here or
     /// in the source's window. Throws Failure and PageRefused. In state 7 when the source began.
@@ -36,6 +41,7 @@ private:
     class Sink;
     Session& session_;
     bool by_memory_;
+    Clock::duration idle_;
     std::function<bool()> breathe_;
     bool begun_ = false;
 };

@@ -19,8 +19,9 @@ bool is_paper_in_the_way(TW_UINT16 condition) {
 
 } // namespace
 
-Scan::Scan(Session& session, const MessageLoop& loop, Commands& commands, std::uint32_t wishes)
-    : session_(session), loop_(loop), commands_(commands), wishes_(wishes) {}
+Scan::Scan(Session& session, const MessageLoop& loop, Commands& commands, const Options& options)
+    : session_(session), loop_(loop), commands_(commands), wishes_(options.wishes),
+      idle_(options.idle) {}
 
 bool Scan::is_cancelled() const {
     return commands_.is_cancelled() || FramePipe::of_process().is_broken();
@@ -94,7 +95,7 @@ Scan::Next Scan::page() {
         loop_.drain([this](MSG& message) { return session_.offer(message); });
         return is_cancelled();
     };
-    PageTransfer transfer(session_, by_memory_, breathe);
+    PageTransfer transfer(session_, by_memory_, idle_, breathe);
     FramePipe::of_process().send(Kind::kReady);
     try {
         if (!transfer.run()) {

@@ -6,7 +6,10 @@
 #include "capture/scanner/twain/commands.h"
 #include "capture/scanner/twain/failure.h"
 #include "capture/scanner/twain/message_loop.h"
+#include "capture/scanner/twain/options.h"
 #include "capture/scanner/twain/session.h"
+
+#include <chrono>
 
 namespace folidex::twain {
 
@@ -14,7 +17,7 @@ namespace folidex::twain {
 /// come, the user cancels, or it fails. The pages go out as frames while they come.
 class Scan {
 public:
-    Scan(Session& session, const MessageLoop& loop, Commands& commands, std::uint32_t wishes);
+    Scan(Session& session, const MessageLoop& loop, Commands& commands, const Options& options);
 
     /// How it ended. The source is left in whatever state that was; Session::close() releases it.
     /// Throws Failure.
@@ -36,6 +39,7 @@ private:
     const MessageLoop& loop_;
     Commands& commands_;
     std::uint32_t wishes_;
+    std::chrono::milliseconds idle_;
     bool by_memory_ = true;
     std::uint32_t pages_ = 0;
 };

@@ -126,8 +126,10 @@ void Source::spoil(TW_IMAGEMEMXFER& strip) const {
         strip.XOffset = 50;
     if (is("nonsense", "compression"))
         strip.Compression = 5;
-    if (is("nonsense", "empty"))
+    if (is("nonsense", "empty")) {
         strip.Rows = strip.BytesWritten = 0;
+        note(section_ + " gives nothing");
+    }
 }
 
 Source::Answer Source::jpeg_strip(TW_IMAGEMEMXFER& strip) {

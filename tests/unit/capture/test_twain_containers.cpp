@@ -130,6 +130,8 @@ private slots:
         QCOMPARE(scan->name, std::string("B\xc3\xbcro -- 1"));
         QCOMPARE(scan->owner, 18446744073709551615u);
         QCOMPARE(scan->wishes, 31u);
+        QCOMPARE(scan->idle, 60'000u);
+        QCOMPARE(read_options({"scan", "--idle", "250"})->idle, 250u);
     }
 
     void a_command_line_without_sense_is_refused() {
