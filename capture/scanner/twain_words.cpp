@@ -121,16 +121,12 @@ const Meaning& meaning(std::uint16_t return_code, std::uint16_t condition_code) 
 
 /// What a step fails with when the codes say nothing.
 const Meaning* meaning(Step step) {
-    static constexpr Meaning kNoSource{0, kDeviceUnavailable, "It is not installed any more",
-                                       kLookAgain};
     static constexpr Meaning kSizes{0, kDeviceIoError,
                                     "The sizes of a page do not agree with each other", kDriver};
     static constexpr Meaning kForm{0, kDeviceIoError,
                                    "It delivers pages in a form that Folidex does not know",
                                    kOtherSettings};
     switch (step) {
-    case Step::kFindSource:
-        return &kNoSource;
     case Step::kBadPage:
         return &kSizes;
     case Step::kForeignPage:

@@ -6,6 +6,7 @@
 Both must have been built; helper_process.py tells where they are looked for.
 """
 
+import shutil
 import unittest
 
 import helper_process as hp
@@ -65,6 +66,21 @@ class Opening(Scanning):
             self.addCleanup((folder / name).unlink)
         desk.script({"log": 0}, Installed={})
         self.assertEqual(self.listed(desk), ["Installed"])
+
+    def test_the_manager_of_the_windows_folder_is_used_when_there_is_no_newer_one(self):
+        folder = WORKSTATION.machine.drive / "windows"
+        manager, wines = folder / "twain_32.dll", folder / "twain_32.wine"
+        if manager.exists():
+            manager.rename(wines)
+            self.addCleanup(wines.rename, manager)
+        shutil.copy(hp.virtual(self.program, "TWAINDSM.dll"), manager)
+        for path in (manager, folder / "scanners.ini"):
+            self.addCleanup(path.unlink)
+        desk = self.new_desk(None, drivers=folder)
+        desk.script({"log": 0}, Old={})
+        # Wine would take its own in place of any other of that name.
+        overrides = WORKSTATION.environment["WINEDLLOVERRIDES"] + ";twain_32=n"
+        self.assertEqual(self.listed(desk, environment={"WINEDLLOVERRIDES": overrides}), ["Old"])
 
     def test_a_manager_in_the_current_folder_or_on_the_path_is_never_loaded(self):
         self.desk.script(Planted={})

@@ -3,6 +3,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """The scanning helpers of both word sizes under wine: pages of every kind, and how a scan ends."""
 
+import re
 import unittest
 
 import helper_process as hp
@@ -83,6 +84,24 @@ class Pages(Scanning):
             self.assertEqual((page.kind, page.width, page.height, page.rows, page.x_resolution),
                              (hp.JPEG, 60, 40, 0, 200))
             self.assertEqual(bytes(page.data), jpeg)
+
+    def test_memory_of_the_managers_own_is_used_and_handed_back(self):
+        for transfers in ("memory", "native"):
+            with self.subTest(transfers=transfers):
+                self.desk.script({"memory": 1}, Virtual={"pages": "rgb100@61x43*2",
+                                                         "transfers": transfers})
+                with self.desk.scan() as helper:
+                    helper.until("O")
+                    helper.say("a")
+                    self.assert_outcome(helper.done(), hp.GOOD, pages=2)
+                    helper.ended()
+                self.assert_page(helper.pages[1], "rgb", 61, 43, 1)
+                (told,) = (line for line in self.desk.log() if line.startswith("manager memory: "))
+                allocated, freed, locked, unlocked, misused = map(int, re.findall(r"\d+", told))
+                # Containers of settings, and the bitmaps of two pages.
+                self.assertGreater(allocated, 5)
+                self.assertGreaterEqual(locked, allocated)
+                self.assertEqual((freed, unlocked, misused), (allocated, locked, 0))
 
     def test_black_and_white_is_not_asked_for_as_a_jpeg(self):
         self.scan(pages="bw100@60x40", compression="jpeg", pixel_type=0)

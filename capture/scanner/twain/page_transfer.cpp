@@ -167,6 +167,8 @@ bool PageTransfer::whole(const PageFacts& facts) {
             return false;
         fail(Step::kTransfer, answer);
     }
+    if (handle == nullptr)
+        throw PageRefused{};
     const auto* dib = static_cast<const std::uint8_t*>(manager.lock(handle));
     std::uint32_t rows = 0;
     try {

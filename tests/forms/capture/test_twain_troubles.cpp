@@ -81,9 +81,6 @@ private Q_SLOTS:
     void a_failure_is_told_in_words_data() {
         QTest::addColumn<QStringList>("script");
         QTest::addColumn<QString>("told");
-        QTest::newRow("no longer installed")
-            << QStringList{u"done 2 3 1 0"_s} << u"It is not installed any more."_s;
-        QTest::newRow("in use") << QStringList{u"done 2 4 1 4"_s} << u"It is in use"_s;
         QTest::newRow("the manager went")
             << QStringList{u"done 4 1"_s} << u"source manager is missing"_s;
         QTest::newRow("no paper") << kBegin + QStringList{u"done 2 5 1 29"_s}

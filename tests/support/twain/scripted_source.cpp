@@ -156,29 +156,32 @@ Source::Answer Source::capability(TW_UINT16 message, TW_CAPABILITY& asked) {
     if (asked.Cap == ICAP_PIXELFLAVOR && page_ < pages_.size() && pages_[page_].kind == "vanilla")
         value = TWPF_VANILLA;
     asked.ConType = TWON_ONEVALUE;
-    asked.hContainer = GlobalAlloc(GHND, sizeof(TW_ONEVALUE));
-    *static_cast<TW_ONEVALUE*>(GlobalLock(asked.hContainer)) = {
+    asked.hContainer = memory.allocate(sizeof(TW_ONEVALUE));
+    *static_cast<TW_ONEVALUE*>(memory.lock(asked.hContainer)) = {
         resolution ? TW_UINT16{TWTY_FIX32} : TW_UINT16{TWTY_UINT16}, value};
-    GlobalUnlock(asked.hContainer);
+    memory.unlock(asked.hContainer);
     return TWRC_SUCCESS;
 }
 
 Source::Answer Source::give_list(TW_CAPABILITY& asked) const {
     const bool jpeg = is("compression", "jpeg");
     asked.ConType = TWON_ENUMERATION;
-    asked.hContainer = GlobalAlloc(GHND, offsetof(TW_ENUMERATION, ItemList) + 4);
-    auto* list = static_cast<TW_ENUMERATION*>(GlobalLock(asked.hContainer));
+    asked.hContainer = memory.allocate(offsetof(TW_ENUMERATION, ItemList) + 4);
+    auto* list = static_cast<TW_ENUMERATION*>(memory.lock(asked.hContainer));
     list->ItemType = TWTY_UINT16;
     list->NumItems = is("nonsense", "container") ? 0xfffffff0u : jpeg ? 2 : 1;
     const TW_UINT16 items[2] = {TWCP_NONE, jpeg ? TWCP_JPEG : TWCP_NONE};
     std::memcpy(list->ItemList, items, sizeof items);
-    GlobalUnlock(asked.hContainer);
+    memory.unlock(asked.hContainer);
     return TWRC_SUCCESS;
 }
 
 Source::Answer Source::set_capability(const TW_CAPABILITY& wish) {
-    const auto one = *static_cast<TW_ONEVALUE*>(GlobalLock(wish.hContainer));
-    GlobalUnlock(wish.hContainer);
+    const auto* told = static_cast<const TW_ONEVALUE*>(memory.lock(wish.hContainer));
+    if (told == nullptr)
+        return fail(TWCC_BADVALUE);
+    const TW_ONEVALUE one = *told;
+    memory.unlock(wish.hContainer);
     if (wish.ConType != TWON_ONEVALUE)
         return fail(TWCC_BADVALUE);
     const TW_UINT32 value = one.Item & 0xffff;

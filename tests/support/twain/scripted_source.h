@@ -4,6 +4,7 @@
 #pragma once
 
 #include "capture/scanner/twain/twain_codes.h"
+#include "tests/support/twain/memory.h"
 #include "tests/support/twain/scripted_page.h"
 
 #include <functional>
@@ -19,6 +20,8 @@ public:
     explicit Source(std::string section);
 
     const twain::TW_IDENTITY& identity() const { return identity_; }
+    /// A manager of TWAIN 2 lends its own.
+    Memory memory = system_memory();
     /// Tells the manager; sources without it wait to be asked with MSG_PROCESSEVENT.
     std::function<void(twain::TW_UINT16 message)> call_manager;
 

@@ -168,9 +168,9 @@ Source::Answer Source::bitmap(TW_HANDLE& handle) {
     handle = nullptr;
     if (is("nonsense", "nothing"))
         return TWRC_XFERDONE;
-    handle = GlobalAlloc(GHND, dib.size());
-    std::memcpy(GlobalLock(handle), dib.data(), dib.size());
-    GlobalUnlock(handle);
+    handle = memory.allocate(static_cast<TW_UINT32>(dib.size()));
+    std::memcpy(memory.lock(handle), dib.data(), dib.size());
+    memory.unlock(handle);
     return TWRC_XFERDONE;
 }
 

@@ -27,19 +27,6 @@ Source* open_source = nullptr;
 EntryFunction callback = nullptr;
 TW_UINT16 waiting_message = MSG_NULL;
 
-TW_HANDLE WINAPI allocate(TW_UINT32 bytes) {
-    return GlobalAlloc(GHND, bytes);
-}
-void WINAPI release(TW_HANDLE handle) {
-    GlobalFree(handle);
-}
-TW_MEMREF WINAPI lock(TW_HANDLE handle) {
-    return GlobalLock(handle);
-}
-void WINAPI unlock(TW_HANDLE handle) {
-    GlobalUnlock(handle);
-}
-
 std::vector<std::unique_ptr<Source>>& sources() {
     static std::vector<std::unique_ptr<Source>> list = [] {
         std::vector<std::unique_ptr<Source>> made;
@@ -72,6 +59,10 @@ TW_UINT16 open_the_source(TW_IDENTITY& wanted) {
         if (&source - sources().data() + 1 != static_cast<std::ptrdiff_t>(wanted.Id))
             continue;
         source->call_manager = hear;
+        // Those of the first TWAIN ask the system, whose memory a manager of the second hands out
+        // on Windows; here it has its own, and they are spared that.
+        if (number(kSection, "old") == 0)
+            source->memory = managers_memory();
         const TW_UINT16 answer = source->entry(DG_CONTROL, DAT_IDENTITY, MSG_OPENDS, &wanted);
         if (answer == TWRC_SUCCESS) {
             open_source = source.get();
@@ -124,7 +115,11 @@ TW_UINT16 parent(TW_IDENTITY& program, TW_UINT16 message, const TW_MEMREF window
             program.SupportedGroups |= DF_DSM2;
         return TWRC_SUCCESS;
     }
+    if (number(kSection, "memory") != 0)
+        note("manager memory: " + managers_memory_told());
     note("manager close");
+    if (!managers_memory_is_in_order())
+        note("manager memory out of order: " + managers_memory_told());
     if (open_source != nullptr)
         return fail(TWCC_SEQERROR);
     is_open = false;
@@ -146,10 +141,11 @@ TW_UINT16 register_callback(TW_UINT16 data_type, TW_MEMREF data) {
 TW_UINT16 tell_entries(TW_ENTRYPOINT& entries) {
     if (entries.Size != sizeof entries)
         return fail(TWCC_BADVALUE);
-    entries.DSM_MemAllocate = reinterpret_cast<void (*)()>(&allocate);
-    entries.DSM_MemFree = reinterpret_cast<void (*)()>(&release);
-    entries.DSM_MemLock = reinterpret_cast<void (*)()>(&lock);
-    entries.DSM_MemUnlock = reinterpret_cast<void (*)()>(&unlock);
+    const Memory& memory = managers_memory();
+    entries.DSM_MemAllocate = reinterpret_cast<void (*)()>(memory.allocate);
+    entries.DSM_MemFree = reinterpret_cast<void (*)()>(memory.release);
+    entries.DSM_MemLock = reinterpret_cast<void (*)()>(memory.lock);
+    entries.DSM_MemUnlock = reinterpret_cast<void (*)()>(memory.unlock);
     return TWRC_SUCCESS;
 }
 
