@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: The Folidex authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "capture/scanner/twain_run.h"
 #include "tests/forms/capture/twain_desk.h"
+
+#include <QProcess>
 
 using namespace folidex;
 using namespace folidex::test;
@@ -101,17 +102,14 @@ private Q_SLOTS:
 
     void the_end_of_the_program_does_not_end_the_driver() {
         desk_->twain.scan(64, {u"parks ejecting"_s, u"opened"_s, u"await"_s});
-        {
-            TwainSession session(desk_->twain.settings);
-            const auto run = std::make_shared<TwainRun>(
-                desk_->twain.settings, TwainSource{64, 0, u"Front desk"_s}, ScanWishes{}, 0);
-            session.thread()->post([run] {
-                ScanControl control(ScanControl::Phase::kOpening);
-                run->open(control);
-                run->release([] { return false; });
-            });
-            QVERIFY(wait_until_noted(u"scan64: at ejecting"_s));
-        }
+        const TwainProgram& helper = desk_->twain.settings.program64;
+        QProcess program;
+        program.start(QString::fromUtf8(FOLIDEX_TWAIN_PROBE), {helper.path, helper.arguments[0]});
+        QVERIFY(wait_until_noted(u"scan64: at ejecting"_s));
+        program.closeWriteChannel();
+        QVERIFY(wait_until([&] { return program.state() == QProcess::NotRunning; }));
+        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+        QVERIFY(!desk_->twain.noted(u"scan64: left with 0"_s));
         desk_->twain.open_gate(u"ejecting"_s);
         QVERIFY(wait_until_left());
     }
