@@ -84,8 +84,9 @@ class Trouble(wine_case.WineCase):
         self.scanners.disconnect_wines_own()
         capture = self.open_capture()
         self.assertNotIn("enabled", self.robot.find(BUTTON, "Scan", capture).states)
-        self.assertTrue(any(text.startswith("No scanner found.")
-                            for text in self.clerk.label_texts(capture)))
+        # Once it has looked for them.
+        self.robot.wait(lambda: any(text.startswith("No scanner found.")
+                                    for text in self.clerk.label_texts(capture)), "the hint")
         self.finish(capture)
 
     def test_a_source_that_does_not_open_leaves_the_form_without_a_word(self):
