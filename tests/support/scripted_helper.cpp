@@ -122,29 +122,40 @@ void read_commands() {
     }
 }
 
-/// The next command, if there is one. Being cancelled ends a helper that is not deaf.
-char command() {
-    char next = ' ';
+bool is_an_end(char command) {
+    return command == kInputEnded || command == static_cast<char>(Command::kClose) ||
+           command == static_cast<char>(Command::kCancel);
+}
+
+[[noreturn]] void end_as_told() {
+    done(Outcome::kCancelled);
+    go_down();
+}
+
+/// Being told to end ends a helper that is not deaf. All other commands stay for whoever waits
+/// for them: they may come long before that.
+void heed_an_end() {
     {
         const std::lock_guard lock(g_mutex);
-        if (g_deaf || g_commands.empty())
-            return ' ';
-        next = g_commands.front();
-        g_commands.pop_front();
+        if (g_deaf || std::none_of(g_commands.begin(), g_commands.end(), is_an_end))
+            return;
     }
-    if (next == kInputEnded || next == static_cast<char>(Command::kClose) ||
-        next == static_cast<char>(Command::kCancel)) {
-        done(Outcome::kCancelled);
-        go_down();
-    }
-    return next;
+    end_as_told();
 }
 
 char wait_for_command() {
     for (;;) {
-        const char next = command();
-        if (next != ' ')
-            return next;
+        {
+            const std::lock_guard lock(g_mutex);
+            if (!g_deaf && !g_commands.empty()) {
+                const char next = g_commands.front();
+                if (!is_an_end(next)) {
+                    g_commands.pop_front();
+                    return next;
+                }
+            }
+        }
+        heed_an_end();
         std::this_thread::sleep_for(kLook);
     }
 }
@@ -281,11 +292,11 @@ void play(const std::string& line) {
     else if (what == "done")
         finish(words);
     else if (what == "gate" && words >> name)
-        wait_for_gate(name, [] { command(); });
+        wait_for_gate(name, heed_an_end);
     else if (what == "alive" && words >> name)
         wait_for_gate(name, [] {
             frame(Kind::kAlive);
-            command();
+            heed_an_end();
         });
     else if (what == "busy" && words >> name)
         wait_for_gate(name, [] {});
@@ -345,7 +356,7 @@ int main(int argc, char** argv) {
     }
     for (const std::string& line : script) {
         play(line);
-        command();
+        heed_an_end();
     }
     go_down();
 }
