@@ -6,15 +6,13 @@
 import re
 
 import station_case
-from driver.robot import BUTTON, COMBO, TEXT
+from driver.robot import COMBO, TEXT
 
 # The code of a program that an untrapped failure ended: the low byte of 65535.
 FAILED = 255
 
 
 class Failures(station_case.StationCase):
-    page_delay = True
-
     def read_report(self):
         """The next error report, as (module, procedure, description, number)."""
         text = self.read_box("Application Error")
@@ -58,7 +56,7 @@ class Failures(station_case.StationCase):
         text = self.read_box("Folidex")
         self.assertRegex(text, r"^Error \d+: no such table: (tags|comp): ")
         self.assertIn("db.mdb", text)
-        self.robot.press(self.robot.find(BUTTON, "Cancel", self.clerk.location_window()))
+        self.clerk.press(self.clerk.location_window(), "Cancel")
         self.assertEqual(self.robot.wait_for_end(), 0)
         self.assertEqual((self.data / "db.mdb").read_bytes(), before)
         self.assertEqual([file.name for file in self.data.iterdir()], ["db.mdb"])
@@ -74,7 +72,7 @@ class Failures(station_case.StationCase):
         window = self.clerk.location_window()
         self.assertEqual(self.robot.find(TEXT, "Existing data folder", window).text,
                          str(self.data))
-        self.robot.press(self.robot.find(BUTTON, "Cancel", window))
+        self.clerk.press(window, "Cancel")
         self.assertEqual(self.robot.wait_for_end(), 0)
         self.assertEqual((self.data / "db.mdb").read_bytes(), content)
 
@@ -87,7 +85,7 @@ class Failures(station_case.StationCase):
         self.clerk.scan(capture)
         self.clerk.describe(capture, "In the way", "12 Oct 2009", ["Taxes"])
         scan = self.temporary_scan.read_bytes()
-        self.robot.press(self.robot.find(BUTTON, "Save", capture))
+        self.clerk.press(capture, "Save")
         _, _, description, _ = self.assert_reports(("frmScanNew", "save_me"),
                                                    ("frmScanNew", "cmdSave_Click"))
         self.assertIn("1009", description)

@@ -4,39 +4,23 @@
 """What a start finds on disk, and what it does about it."""
 
 import station_case
+from driver import road
 from driver.clerk import USE_EXISTING
-from driver.robot import BUTTON, RADIO, TEXT
-
-CANNOT_FIND = ("Folidex cannot find or open your database file. If the file resides on a network "
-               "drive please ensure that you are connected to that network drive.")
+from driver.robot import RADIO, TEXT
 
 
-class FirstStart(station_case.StationCase):
-    def labels(self, window):
-        return " ".join(self.clerk.label_texts(window))
-
-    def cancel(self, window):
-        self.robot.press(self.robot.find(BUTTON, "Cancel", window))
-        self.assertEqual(self.robot.wait_for_end(), 0)
-
+class FirstStart(road.Starts, station_case.StationCase):
     def test_a_clean_machine_gets_an_empty_preferences_file_and_is_asked_for_its_folder(self):
         self.assertFalse(self.station.app_folder.exists())
-        self.robot.start()
-        window = self.clerk.location_window()
-        self.assertEqual(self.robot.windows(), [window])
-        self.assertIn("Database Location", self.labels(window))
-        self.assertEqual(self.preferences().tag, "folidex")
-        self.assertEqual(len(self.preferences()), 0)
-        self.cancel(window)
+        self.cancel(self.begin_on_a_clean_machine())
         self.assertIsNone(self.preferences().find("dblocation"))
 
     def test_a_folder_that_exists_is_refused_and_left_alone(self):
         self.data.mkdir()
         self.robot.start()
         window = self.clerk.location_window()
-        self.robot.type_text(self.robot.find(TEXT, "Location", window), str(self.data.parent))
-        self.robot.type_text(self.robot.find(TEXT, "Folder name", window), self.data.name)
-        self.robot.press(self.robot.find(BUTTON, "OK", window))
+        self.clerk.name_data_folder(window, self.data.parent, self.data.name)
+        self.clerk.press(window, "OK")
         self.assertEqual(self.read_box("Error"), "Folder already exists. Please choose another "
                                                  "location or folder name.")
         self.assertEqual(list(self.data.iterdir()), [])
@@ -46,13 +30,13 @@ class FirstStart(station_case.StationCase):
     def test_empty_fields_are_asked_for_one_by_one(self):
         self.robot.start()
         window = self.clerk.location_window()
-        self.robot.press(self.robot.find(BUTTON, "OK", window))
+        self.clerk.press(window, "OK")
         self.assertEqual(self.read_box("Error"), "Please enter or select a valid location")
         self.robot.type_text(self.robot.find(TEXT, "Location", window), "/nowhere at all/")
-        self.robot.press(self.robot.find(BUTTON, "OK", window))
+        self.clerk.press(window, "OK")
         self.assertEqual(self.read_box("Error"), "Please enter a valid folder name")
         self.robot.type_text(self.robot.find(TEXT, "Folder name", window), "Documents")
-        self.robot.press(self.robot.find(BUTTON, "OK", window))
+        self.clerk.press(window, "OK")
         self.assertEqual(self.read_box("Error"),
                          "Cannot find the following location: /nowhere at all")
         self.cancel(window)
@@ -64,26 +48,20 @@ class FirstStart(station_case.StationCase):
         self.robot.start()
         window = self.clerk.location_window()
         self.robot.press(self.robot.find(RADIO, USE_EXISTING, window))
-        self.robot.type_text(self.robot.find(TEXT, "Existing data folder", window),
-                             str(self.data))
-        self.robot.press(self.robot.find(BUTTON, "OK", window))
-        main = self.clerk.main_window()
+        main = self.point_to_the_data_folder(window)
         self.clerk.choose_tag(main, "taxes")
         self.end_program(main)
         self.assertEqual(self.rows("select * from tags"), [(1, "Taxes")])
         self.assertEqual(self.preferences().findtext("dblocation"), str(self.data))
 
     def test_a_data_folder_that_is_gone_is_told_and_can_be_corrected(self):
+        self.given_data_folder()
         gone = self.station.home / "unplugged"
-        self.given_preferences(dblocation=gone)
-        self.robot.start()
-        self.assertEqual(self.read_box("Folidex"), CANNOT_FIND)
-        window = self.clerk.location_window()
-        self.assertIn("ERROR opening database file", self.labels(window))
-        self.assertIn("checked", self.robot.find(RADIO, USE_EXISTING, window).states)
-        self.assertEqual(self.robot.find(TEXT, "Existing data folder", window).text, str(gone))
-        self.cancel(window)
+        self.cancel(self.begin_with_a_data_folder_that_is_gone(gone))
         self.assertEqual(self.preferences().findtext("dblocation"), str(gone))
+        window = self.begin_with_a_data_folder_that_is_gone(gone)
+        self.end_program(self.point_to_the_data_folder(window))
+        self.assertEqual(self.preferences().findtext("dblocation"), str(self.data))
 
     def test_a_bad_preferences_file_is_kept_and_told(self):
         self.station.app_folder.mkdir()

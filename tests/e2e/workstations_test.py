@@ -4,26 +4,23 @@
 """Two workstations at one data folder: each with a display, preferences and a scanner of its own."""
 
 import station_case
-from driver import Robot, Station
-from driver.clerk import Clerk
+from driver import Robot
+from driver.archivist import Archivist
+from driver.case import write_preferences
 
 
 class Workstations(station_case.StationCase):
-    page_delay = True
-
     def setUp(self):
         super().setUp()
-        self.other_station = self.enterContext(Station(station_case.PROGRAM, page_delay=True))
-        self.other = Clerk(Robot(self.other_station, station_case.PICTURES))
+        self.other_station = self.new_station()
+        self.other = Archivist(Robot(self.other_station, station_case.PICTURES))
 
     def test_both_file_documents_and_each_sees_the_others(self):
         self.robot.start()
         main = self.clerk.create_data_folder(self.data.parent, self.data.name)
-        self.other_station.app_folder.mkdir()
-        self.other_station.preferences_file.write_text(
-            station_case.PREFERENCES.format(f"<dblocation>{self.data}</dblocation>"))
-        self.other.robot.start()
+        write_preferences(self.other_station, dblocation=self.data)
         with self.other.robot.evidence(f"{self.id()}-other"):
+            self.other.robot.start()
             self.file_from_both(main, self.other.main_window())
         links = [link for rows in (self.rows("select link from scans"),
                                    self.rows("select link from tags")) for link, in rows]
@@ -32,10 +29,7 @@ class Workstations(station_case.StationCase):
         self.assertEqual(len(list((self.data / "scanned_files/1009").iterdir())), 2)
 
     def file_from_both(self, main, other_main):
-        here = self.clerk.new_scan(main)
-        self.clerk.scan(here)
-        self.clerk.describe(here, "From here", "12 Oct 2009", ["Shared"])
-        self.clerk.save(here)
+        self.file_document(main, "From here", "12 Oct 2009", ["Shared"])
         self.clerk.all_dates(main, True)
         self.clerk.choose_tag(main, "Shared")
         there = self.other.new_scan(other_main)
@@ -48,7 +42,7 @@ class Workstations(station_case.StationCase):
         self.other.wait_results(other_main, lambda listed: listed == both, "both documents there")
         self.clerk.all_dates(main, False)
         self.clerk.all_dates(main, True)
-        self.clerk.wait_results(main, lambda listed: listed == both, "both documents here")
+        self.wait_listed(main, *both)
         self.assertEqual(self.other.close_main(other_main), 0)
         self.end_program(main)
 

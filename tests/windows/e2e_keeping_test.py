@@ -3,44 +3,16 @@
 # SPDX-License-Identifier: Apache-2.0
 """A document after filing, to its end: edited, scanned again, opened, located, deleted."""
 
+import datetime
 import shutil
 
 import wine_case
+from driver.lease import DAY, FILE, Lease
 
-FILE = "101209143005_3.pdf"
-FILED = f"""
-insert into tags values (1, 'Contracts');
-insert into tags values (2, 'Landlord');
-insert into scans (link, description, date, fname, location)
-    values (3, 'Lease', 40098, '{FILE}', '1009');
-insert into tagged (scan, tag) values (3, 1);
-insert into tagged (scan, tag) values (3, 2);
-update comp set NewLink = 4;
-"""
-OLD_PDF = b"%PDF-1.4 a scan of long ago"
-QUESTION = "Are you sure you want to continue? There is NO UNDO !"
 OLD_FLATBED, NEW_FEEDER = "Old flatbed", "New feeder"
 
 
-class Keeping(wine_case.WineCase):
-    def setUp(self):
-        super().setUp()
-        self.given_data_folder(FILED)
-        self.pdf = self.data / "scanned_files" / "1009" / FILE
-        self.pdf.parent.mkdir(parents=True)
-        self.pdf.write_bytes(OLD_PDF)
-
-    def begin(self):
-        """Starts the program and finds the document."""
-        self.main = self.open_program()
-        self.clerk.all_dates(self.main, True)
-        self.clerk.choose_tag(self.main, "Contracts")
-        self.wait_for(("10/12/2009", "Lease"))
-
-    def wait_for(self, *documents):
-        self.clerk.wait_results(self.main, lambda listed: listed == list(documents),
-                                f"the documents {documents}")
-
+class Keeping(Lease, wine_case.WineCase):
     def test_a_document_is_scanned_again_with_a_32_bit_driver(self):
         self.scanners.connect(64, NEW_FEEDER)
         self.scanners.connect(32, OLD_FLATBED, Old_flatbed={"pages": "gray100@400x600*3"})
@@ -59,7 +31,7 @@ class Keeping(wine_case.WineCase):
         self.clerk.view(form, "The scan on file.")
         desktop.wait_opened(self.pdf)
         self.clerk.save(form)
-        self.wait_for(("3/5/2010", "Lease"))
+        self.wait_for(datetime.date(2010, 3, 5))
         self.end_program(self.main)
         self.assertEqual(self.rows("select * from scans"), [(3, "Lease", 40242, FILE, "1009")])
         self.assertEqual(self.rows("select scan, tag from tagged order by rowid"), [(3, 1), (3, 4)])
@@ -67,15 +39,8 @@ class Keeping(wine_case.WineCase):
 
     def test_deleting_asks_first_and_keeps_the_pdf(self):
         self.begin()
-        self.clerk.select_document(self.main, "Lease")
-        self.assertEqual(self.clerk.delete_document(self.main, "No"), QUESTION)
-        self.clerk.select_document(self.main, "Lease")
-        self.assertEqual(self.clerk.delete_document(self.main, "Yes"), QUESTION)
-        self.wait_for()
+        self.delete_it()
         self.end_program(self.main)
-        self.assertEqual(self.rows("select * from scans"), [])
-        self.assertEqual(self.rows("select * from tagged"), [])
-        self.assertEqual(self.pdf.read_bytes(), OLD_PDF)
 
     def test_a_document_is_located_in_the_file_manager(self):
         desktop = self.new_desktop()
@@ -97,7 +62,7 @@ class Keeping(wine_case.WineCase):
         form = self.clerk.editing_window("Lease")
         self.clerk.cancel_capture(form)
         # The list is read afresh when the form closes.
-        self.wait_for(("10/12/2009", "Lease"))
+        self.wait_for(DAY)
         self.clerk.maintenance(self.main, "-> Open PDF")
         self.clerk.double_click(self.main, "Lease")
         desktop.wait_opened(self.pdf)

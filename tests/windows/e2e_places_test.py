@@ -7,11 +7,8 @@ import os
 import shutil
 
 import wine_case
-from driver.clerk import USE_EXISTING
-from driver.robot import BUTTON, RADIO, TEXT
+from driver import road
 
-CANNOT_FIND = ("Folidex cannot find or open your database file. If the file resides on a network "
-               "drive please ensure that you are connected to that network drive.")
 # In the letters of five languages; a data folder in it is as far away as it may be.
 FAR_AWAY = "Büro und Ablage/Документы отдела/文書/קבצים"
 CONTRACTS = "Договоры"
@@ -26,11 +23,7 @@ update comp set NewLink = 3;
 """
 
 
-class Places(wine_case.WineCase):
-    def cancel(self, window):
-        self.robot.press(self.robot.find(BUTTON, "Cancel", window))
-        self.assertEqual(self.robot.wait_for_end(), 0)
-
+class Places(road.Starts, wine_case.WineCase):
     def far_away(self):
         """A folder that makes the path of a data folder in it LONGEST letters long."""
         folder = self.data.parent / FAR_AWAY
@@ -49,13 +42,12 @@ class Places(wine_case.WineCase):
         self.file_document(main, "Miete für März, 100 €", DAY, ["Vermieter Ü", "住所"])
         self.clerk.all_dates(main, True)
         self.clerk.choose_tag(main, "住所")
-        self.clerk.wait_results(main, lambda listed: listed == [(DAY, "Miete für März, 100 €")],
-                                "the document among the results")
+        self.wait_listed(main, (DAY, "Miete für März, 100 €"))
         (pdf,) = (self.data / "scanned_files" / "1009").iterdir()
         self.assertEqual(self.pdf_facts(pdf)["Pages"], "1")
         self.end_program(main)
         main = self.open_program()
-        self.clerk.wait_results(main, lambda listed: len(listed) == 1, "the document once more")
+        self.wait_listed(main, (DAY, "Miete für März, 100 €"))
         self.end_program(main)
         self.assertEqual(self.preferences().findtext("dblocation"),
                          self.station.as_told(self.data))
@@ -75,7 +67,7 @@ class Places(wine_case.WineCase):
         main = self.open_program()
         self.clerk.all_dates(main, True)
         self.clerk.choose_tag(main, "Steuern")
-        self.clerk.wait_results(main, lambda listed: listed == [(DAY, "Bescheid")], "the document")
+        self.wait_listed(main, (DAY, "Bescheid"))
         self.clerk.select_document(main, "Bescheid")
         self.clerk.command(main, "Open File")
         desktop.wait_opened(pdf)
@@ -88,24 +80,9 @@ class Places(wine_case.WineCase):
                                "update comp set NewLink = 2;")
         for gone in (r"Q:\Office\Documents", r"\\nowhere\Office\Documents"):
             with self.subTest(gone=gone):
-                self.given_preferences(dblocation=gone)
-                self.robot.start()
-                self.assertEqual(self.read_box("Folidex"), CANNOT_FIND)
-                window = self.clerk.location_window()
-                self.assertIn("ERROR opening database file", self.clerk.label_texts(window))
-                existing = self.robot.find(RADIO, USE_EXISTING, window)
-                self.assertIn("checked", existing.states)
-                entry = self.robot.find(TEXT, "Existing data folder", window)
-                self.assertEqual(entry.text, gone)
-                self.cancel(window)
+                self.cancel(self.begin_with_a_data_folder_that_is_gone(gone))
                 self.assertEqual(self.preferences().findtext("dblocation"), gone)
-        self.robot.start()
-        self.read_box("Folidex")
-        window = self.clerk.location_window()
-        self.robot.type_text(self.robot.find(TEXT, "Existing data folder", window),
-                             self.station.as_told(self.data))
-        self.robot.press(self.robot.find(BUTTON, "OK", window))
-        main = self.clerk.main_window()
+        main = self.point_to_the_data_folder(self.begin_with_a_data_folder_that_is_gone(gone))
         self.clerk.choose_tag(main, "taxes")
         self.end_program(main)
 

@@ -5,7 +5,7 @@
 
 import wine_case
 from driver import Robot
-from driver.case import PREFERENCES
+from driver.case import write_preferences
 from driver.windows_clerk import WindowsClerk
 
 SHARE = "S:"
@@ -26,11 +26,9 @@ class Workstations(wine_case.WineCase):
         self.robot.start()
         main = self.clerk.create_data_folder(SHARE + "\\", self.data.name)
         self.change_database("insert into tags values (1, 'Shared'); update comp set NewLink = 2")
-        self.other_station.app_folder.mkdir(exist_ok=True)
-        self.other_station.preferences_file.write_text(
-            PREFERENCES.format(f"<dblocation>{SHARE}\\{self.data.name}</dblocation>"))
-        self.other.robot.start()
+        write_preferences(self.other_station, dblocation=f"{SHARE}\\{self.data.name}")
         with self.other.robot.evidence(f"{self.id()}-other"):
+            self.other.robot.start()
             self.file_from_both(main, self.other.main_window())
         self.assertEqual(self.rows("select link from scans order by link"), [(2,), (3,)])
         self.assertEqual(self.rows("select * from tags"), [(1, "Shared")])

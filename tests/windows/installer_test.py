@@ -15,8 +15,7 @@ import unittest
 import zipfile
 
 import wine_case
-from driver.stack import Stack, wait_until
-from driver.wine_machine import Machine
+from driver.stack import wait_until
 
 KEY = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Folidex"
 DEFAULT = "Program Files/Folidex"
@@ -36,60 +35,29 @@ def contents(folder):
             for path in folder.rglob("*") if path.is_file()}
 
 
-class Workstation(Stack):
-    """A bare machine with a display."""
-
-    def __init__(self, origin):
-        super().__init__(None, 1, "folidex-installer-")
-        self._origin = origin
-        self.machine = Machine(self.home / "machine", self.home / "home")
-
-    @property
-    def drive(self):
-        return self.machine.drive
-
-    def _make_folders(self):
-        for name in ("log", "home"):
-            (self.home / name).mkdir()
-        self._origin.copy_to(self.machine.prefix)
-
-    def _environment(self):
-        return dict(self.machine.environment)
-
-    def _connect(self):
-        self.machine.environment = self.environment
-
-    def _end_processes(self):
-        self.machine.end()
-        super()._end_processes()
-
-    def exit_code(self, program, *arguments):
-        return subprocess.run(self.machine.command(str(program), *arguments), check=False,
-                              env=self.environment, stdin=subprocess.DEVNULL,
-                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                              timeout=300).returncode
-
-    def start(self, program):
-        """Starts the program and waits for its first window."""
-        process = self._start("program", self.machine.command(self.machine.as_told(program)))
-        wait_until(self.shows_first_window, "the program's first window")
-        return process
-
-    def shows_first_window(self):
-        return f'"{FIRST_WINDOW}"' in self.output("xwininfo", "-root", "-tree")
-
-
 class Installer(unittest.TestCase):
     def setUp(self):
-        self.station = self.enterContext(Workstation(wine_case.bare_machine()))
-        self.addCleanup(shutil.rmtree, self.station.home, ignore_errors=True)
+        self.station = wine_case.bare_station(self)
         self.drive = self.station.drive
         self.folder = self.drive / DEFAULT
+
+    def exit_code(self, program, *arguments):
+        return subprocess.run(self.station.machine.command(str(program), *arguments), check=False,
+                              env=self.station.environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode
+
+    def start(self, program):
+        """Starts the program and waits for its first window; the process."""
+        machine = self.station.machine
+        process = self.station.start_tool("program", machine.command(machine.as_told(program)))
+        wait_until(lambda: f'"{FIRST_WINDOW}"' in self.station.output("xwininfo", "-root", "-tree"),
+                   "the program's first window")
+        return process
 
     def install(self, folder=None):
         """The exit code of a silent installation. The folder is told as administrators tell it:
         last and without quotes, whatever it holds."""
-        return self.station.exit_code(SETUP, "/S", *(f"/D={folder}".split(" ") if folder else ()))
+        return self.exit_code(SETUP, "/S", *(f"/D={folder}".split(" ") if folder else ()))
 
     def assert_same_files(self, found, expected):
         """Names those that differ; nobody could read how."""
@@ -107,7 +75,7 @@ class Installer(unittest.TestCase):
         folder = folder or self.folder
         command = self.registered()["QuietUninstallString"]
         self.assertEqual(command, f'"{self.station.machine.as_told(folder)}\\uninstall.exe" /S')
-        self.assertEqual(self.station.exit_code(folder / "uninstall.exe", "/S"), 0)
+        self.assertEqual(self.exit_code(folder / "uninstall.exe", "/S"), 0)
         wait_until(lambda: not self.registered(), "the end of the uninstallation")
 
     def test_everything_is_where_all_users_find_it(self):
@@ -144,7 +112,7 @@ class Installer(unittest.TestCase):
     def test_the_program_starts_where_it_was_installed(self):
         self.assertEqual(self.install(), 0)
         self.assertFalse((self.drive / PREFERENCES).exists())
-        self.station.start(self.folder / "folidex.exe")
+        self.start(self.folder / "folidex.exe")
         self.assertIn("<folidex", (self.drive / PREFERENCES).read_text(encoding="utf-8"))
 
     def test_another_folder_may_be_named(self):
@@ -152,7 +120,7 @@ class Installer(unittest.TestCase):
         folder = self.drive / "Büro für 文書/Folidex"
         self.assertTrue((folder / "dbm.mdb").is_file())
         self.assertFalse(self.folder.exists())
-        self.station.start(folder / "folidex.exe")
+        self.start(folder / "folidex.exe")
 
     def test_an_upgrade_replaces_the_program_and_nothing_else(self):
         self.assertEqual(self.install(), 0)
@@ -222,7 +190,7 @@ class Installer(unittest.TestCase):
         self.assertFalse((self.folder / "new-files").exists())
         self.assertFalse((self.folder / "replaced-files").exists())
         self.assertEqual(self.registered(), listed)
-        self.station.start(self.folder / "folidex.exe")
+        self.start(self.folder / "folidex.exe")
 
     def test_an_upgrade_with_a_folder_in_its_way_leaves_the_older_version(self):
         self.assertEqual(self.install(), 0)
@@ -259,7 +227,7 @@ class Installer(unittest.TestCase):
     def test_a_running_program_is_not_replaced(self):
         self.assertEqual(self.install(), 0)
         before = contents(self.folder)
-        self.station.start(self.folder / "folidex.exe")
+        self.start(self.folder / "folidex.exe")
         self.assertEqual(self.install(), RUNNING)
         self.assertEqual(self.install(r"C:\Archive\Folidex"), RUNNING)
         self.assert_same_files(contents(self.folder), before)
@@ -268,10 +236,10 @@ class Installer(unittest.TestCase):
     def test_a_running_program_is_not_removed(self):
         self.assertEqual(self.install(), 0)
         before = contents(self.folder)
-        self.station.start(self.folder / "folidex.exe")
+        self.start(self.folder / "folidex.exe")
         # Told its folder, the uninstaller stays the process whose code is seen here.
         told = "_?=" + self.station.machine.as_told(self.folder)
-        code = self.station.exit_code(self.folder / "uninstall.exe", "/S", *told.split(" "))
+        code = self.exit_code(self.folder / "uninstall.exe", "/S", *told.split(" "))
         self.assertEqual(code, RUNNING)
         self.assert_same_files(contents(self.folder), before)
         self.assertTrue((self.drive / SHORTCUT).is_file())
@@ -338,7 +306,7 @@ class Installer(unittest.TestCase):
         self.assertIn(f"Folidex {VERSION}", log)
         self.assertIn(r"not every user of this workstation may write in C:\ProgramData\Brightmoor",
                       log)
-        program = self.station.start(self.folder / "folidex.exe")
+        program = self.start(self.folder / "folidex.exe")
         self.station.machine.end()
         self.station.wait_for_end(program)
         self.station.environment["WINEDLLOVERRIDES"] = usual
@@ -353,7 +321,7 @@ class Installer(unittest.TestCase):
         expected = contents(STAGE)
         del expected[LIST]
         self.assert_same_files(contents(folder), expected)
-        self.station.start(folder / "folidex.exe")
+        self.start(folder / "folidex.exe")
 
 
 if __name__ == "__main__":

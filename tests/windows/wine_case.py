@@ -28,7 +28,7 @@ from driver.case import DriverCase, main  # noqa: E402, F401
 from driver.virtual_scanners import VirtualScanners  # noqa: E402
 from driver.wine_desktop import WineDesktop  # noqa: E402
 from driver.wine_machine import Machine  # noqa: E402
-from driver.wine_station import PROGRAM, WineStation  # noqa: E402
+from driver.wine_station import PROGRAM, WineStack, WineStation  # noqa: E402
 from driver.windows_clerk import WindowsClerk  # noqa: E402
 
 
@@ -100,6 +100,20 @@ def installed_machine():
     return _kept_machine(f"installed-{source.stat().st_mtime_ns}", prepare)
 
 
+def enter_station(case, make):
+    """A station, made for its folder, that lasts as long as the test."""
+    # Where machines share what is never changed.
+    home = tempfile.mkdtemp(prefix="station-", dir=_machines())
+    # Once its programs have ended, also after a failure; what it left is among the pictures.
+    case.addCleanup(shutil.rmtree, home, ignore_errors=True)
+    return case.enterContext(make(home))
+
+
+def bare_station(case):
+    """A machine of the test's own with a display, on which the program was never installed."""
+    return enter_station(case, lambda home: WineStack(bare_machine(), home))
+
+
 class WineCase(DriverCase):
     """A test's own workstation with the program installed."""
 
@@ -113,30 +127,11 @@ class WineCase(DriverCase):
 
     def new_station(self, machine=None):
         self.assertTrue(any(PLUGIN.glob("generic/*.dll")), f"there is no plug-in in {PLUGIN}")
-        # Where machines share what is never changed; a station's name tells where it came from.
-        home = tempfile.mkdtemp(prefix="station-", dir=_machines())
-        station = self.enterContext(WineStation(machine or installed_machine(), PLUGIN, home))
-        # Also after a failure; what it left is among the pictures.
-        self.addCleanup(shutil.rmtree, station.home, ignore_errors=True)
-        return station
+        return enter_station(self, lambda home: WineStation(machine or installed_machine(), PLUGIN,
+                                                            home))
 
     def new_scanners(self, station):
         return VirtualScanners(station, {64: BUILD, 32: BUILD32})
 
     def new_desktop(self):
         return WineDesktop(self.station, STAND_IN)
-
-    def file_document(self, main, description, date, tags, source="Flatbed"):
-        """Scans and files a new document."""
-        capture = self.clerk.new_scan(main)
-        self.clerk.scan(capture, source)
-        self.clerk.describe(capture, description, date, tags)
-        self.clerk.save(capture)
-
-    def pdf_facts(self, pdf):
-        """What pdfinfo tells of a PDF that qpdf found sound, as {name: text}."""
-        self.assertIn("No syntax or stream encoding errors found",
-                      self.station.run("qpdf", "--check", str(pdf)))
-        return {key: value.strip() for key, value in (
-            line.split(":", 1) for line in self.station.run("pdfinfo", str(pdf)).splitlines()
-            if ":" in line)}

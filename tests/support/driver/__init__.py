@@ -3,8 +3,9 @@
 """Drives the real program from outside: a display of its own, the accessibility bus, key and mouse.
 
 station.py makes the display stack and starts the program, tree.py finds widgets on the
-accessibility bus, robot.py types, presses and photographs. Everything waits on conditions; a
-wait that ends without its condition fails with a picture of the screen and the widget tree.
+accessibility bus, robot.py types and presses, camera.py photographs. Everything waits on
+conditions, and for so long that no machine is too slow; a wait that ends without its condition
+fails with a picture of the screen and the widget tree.
 """
 
 from .robot import Robot

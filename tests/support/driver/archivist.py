@@ -3,7 +3,7 @@
 """What is done to documents on file and to the tags, as whoever keeps them does it."""
 
 from .clerk import USE_EXISTING, Clerk
-from .robot import BOX, BUTTON, COMBO, DATE, LABEL, RADIO, TABLE, TEXT
+from .robot import BUTTON, COMBO, DATE, RADIO, TABLE, TEXT
 from .widget import DriverError
 
 
@@ -30,11 +30,15 @@ class Archivist(Clerk):
 
     def command(self, main, name):
         """Presses a command of the toolbar."""
-        self.robot.press(self.robot.find(BUTTON, name, main))
+        self.press(main, name)
 
     def menu_of(self, window, button):
         """Opens the pop-up menu of a button; the menu."""
         return self.robot.open_menu(self.robot.find(BUTTON, button, window))
+
+    def close_menu(self, menu):
+        self.robot.keys("Escape")
+        self.robot.wait_gone(menu)
 
     def item_texts(self, menu):
         return [item.name for item in self.robot.items(menu) if item.name]
@@ -69,7 +73,7 @@ class Archivist(Clerk):
     def save_and_new(self, window):
         """Saves, and waits until the form is ready for the next document."""
         robot = self.robot
-        robot.press(robot.find(BUTTON, "Save & New", window))
+        self.press(window, "Save & New")
         entry, view = robot.find(TEXT, "Description", window), robot.find(BUTTON, "View", window)
         robot.wait(lambda: entry.text == "" and "enabled" not in view.states,
                    "the form to be empty again")
@@ -132,30 +136,30 @@ class Archivist(Clerk):
     def rename_tag(self, window, tag, name):
         robot = self.robot
         self.select_tag(window, tag)
-        robot.press(robot.find(BUTTON, "Edit", window))
+        self.press(window, "Edit")
         entry = robot.find(TEXT, "Tag", window)
         robot.wait(lambda: entry.text == tag, f"\"{tag}\" to be loaded")
         self._picture("tags-editing", window)
         robot.type_text(entry, name)
-        robot.press(robot.find(BUTTON, "Save", window))
+        self.press(window, "Save")
         robot.wait(lambda: name in self.catalogue(window), f"\"{name}\" in the catalogue")
 
     def try_to_delete_tag(self, window, tag):
         """Deletes a tag in use; the question and the refusal."""
         self.select_tag(window, tag)
-        self.robot.press(self.robot.find(BUTTON, "Delete", window))
+        self.press(window, "Delete")
         question = self.read_message("Confirm", "Yes", "message-delete-tag")
         return question, self.read_message("Error", "OK", "message-tag-in-use")
 
     def delete_tag(self, window, tag):
         """Deletes a tag that no document carries."""
         self.select_tag(window, tag)
-        self.robot.press(self.robot.find(BUTTON, "Delete", window))
+        self.press(window, "Delete")
         self.read_message("Confirm", "Yes")
         self.robot.wait(lambda: tag not in self.catalogue(window), f"\"{tag}\" to be gone")
 
     def close_tags(self, window):
-        self.robot.press(self.robot.find(BUTTON, "Close", window))
+        self.press(window, "Close")
         self.robot.wait_gone(window)
 
     # -- help and data location
@@ -168,13 +172,9 @@ class Archivist(Clerk):
     def about(self, main):
         """Opens and closes the about box; its texts."""
         self.help(main, "About Folidex")
-
-        def look():
-            return next((window for window in self.robot.windows()
-                         if window.role in BOX and window.name == "About Folidex"), None)
-        box = self.robot.wait(look, "the about box")
+        box = self.robot.wait(lambda: self.robot.box("About Folidex"), "the about box")
         self._picture("about", box)
-        texts = [label.name for label in self.robot.nodes(LABEL, None, box)]
+        texts = self.label_texts(box)
         self.robot.answer(box, "OK")
         return texts
 

@@ -2,11 +2,14 @@
 # SPDX-License-Identifier: Apache-2.0
 """The road of a document through the program's windows, as a clerk walks it."""
 
-from .robot import BOX, BUTTON, CHECK, COMBO, DATE, LABEL, RADIO, TABLE, TEXT
+import re
+
+from .robot import BUTTON, CHECK, COMBO, DATE, LABEL, RADIO, TABLE, TEXT
 from .widget import DriverError
 
 CREATE_NEW = "I want to create a new data base."
 USE_EXISTING = "I would like to point to an existing data base."
+_PROGRESS = "Scanning"
 
 
 class Clerk:
@@ -16,6 +19,9 @@ class Clerk:
         self.robot = robot
         self._picture = picture or (lambda name, window, also=(): None)
 
+    def press(self, window, button):
+        self.robot.press(self.robot.find(BUTTON, button, window))
+
     # -- where the data is
 
     def location_window(self):
@@ -23,13 +29,17 @@ class Clerk:
 
     def create_data_folder(self, parent, name):
         """From the data location form to the main window; the main window."""
-        robot, window = self.robot, self.location_window()
+        window = self.location_window()
+        self.name_data_folder(window, parent, name)
+        self._picture("location", window)
+        self.press(window, "OK")
+        self.robot.wait_gone(window)
+        return self.main_window()
+
+    def name_data_folder(self, window, parent, name):
+        robot = self.robot
         robot.type_text(robot.find(TEXT, "Location", window), str(parent))
         robot.type_text(robot.find(TEXT, "Folder name", window), name)
-        self._picture("location", window)
-        robot.press(robot.find(BUTTON, "OK", window))
-        robot.wait_gone(window)
-        return self.main_window()
 
     # -- the browser
 
@@ -69,21 +79,27 @@ class Clerk:
         return self.robot.wait(look, what)[0]
 
     def close_main(self, window):
-        robot = self.robot
-        robot.press(robot.find(BUTTON, "Exit", window))
-        return robot.wait_for_end()
+        self.press(window, "Exit")
+        return self.robot.wait_for_end()
 
     # -- the capture form
 
     def new_scan(self, main):
-        robot = self.robot
-        robot.press(robot.find(BUTTON, "New", main))
-        window = robot.window_with(BUTTON, "Save")
+        self.press(main, "New")
+        window = self.robot.window_with(BUTTON, "Save")
         self._picture("capture-empty", window)
         return window
 
+    def cancel_capture(self, window):
+        self.press(window, "Cancel")
+        self.robot.wait_gone(window)
+
     def scan(self, window, source=0):
         """Scans with a source of the menu, to the end of its feeder."""
+        self.begin_scan(window, source)
+        self.wait_scanned(window)
+
+    def begin_scan(self, window, source=0):
         robot = self.robot
         menu = robot.open_menu(robot.find(BUTTON, "Scan", window))
         sources = [item for item in robot.items(menu) if "enabled" in item.states]
@@ -92,20 +108,21 @@ class Clerk:
         robot.hover(sources[source])
         robot.wait(lambda: "focused" in sources[source].states, "the source to be marked")
         self._picture("scanner-menu", window, (menu,))
-        view = robot.find(BUTTON, "View", window)
         robot.choose(menu, sources[source])
-        progress = self.progress_window()
-        self._picture("progress", progress)
-        robot.wait_gone(progress, 180)
-        robot.wait(lambda: "enabled" in view.states, "the scan to be there to view")
 
     def progress_window(self):
-        def look():
-            for window in self.robot.windows():
-                if window.role in BOX and window.name == "Scanning":
-                    return window
-            return None
-        return self.robot.wait(look, "the progress window")
+        """Of a scan that takes its time: it shows for as long as the scanner works."""
+        return self.robot.wait(lambda: self.robot.box(_PROGRESS), "the progress window")
+
+    def wait_scanned(self, window):
+        """Waits until a form that had no scanned pages tells of some and is within reach again."""
+        self.robot.wait(lambda: self.pages_scanned(window) and not self.robot.box(_PROGRESS),
+                        "the scanned pages")
+
+    def pages_scanned(self, window):
+        """What the form tells of new pages; nothing when it has none."""
+        return next((text for text in self.label_texts(window)
+                     if re.match(r"\d+ pages? scanned", text)), None)
 
     def describe(self, window, description, date=None, tags=()):
         """Fills the form; date as the picker writes it."""
@@ -119,9 +136,8 @@ class Clerk:
                        f"\"{tag}\" among the assigned tags")
 
     def save(self, window):
-        robot = self.robot
-        robot.press(robot.find(BUTTON, "Save", window))
-        robot.wait_gone(window)
+        self.press(window, "Save")
+        self.robot.wait_gone(window)
 
     # -- what it says
 

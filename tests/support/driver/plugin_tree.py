@@ -11,9 +11,9 @@ import re
 import select
 import socket
 
+from .stack import PATIENCE
 from .widget import DriverError, Gone, Widget, plain_name
 
-_ANSWER_TIMEOUT = 60
 # The toolkit's roles by the words of the accessibility bus, where they differ from its own.
 _ROLES = {"AlertMessage": "alert", "Button": "push button", "ButtonDropDown": "push button menu",
           "ButtonMenu": "push button menu", "Cell": "table cell", "Client": "filler",
@@ -57,7 +57,7 @@ class PluginBus:
         if select.select([self._listener], [], [], 0)[0]:
             self._hang_up()
             self._connection, _address = self._listener.accept()
-            self._connection.settimeout(_ANSWER_TIMEOUT)
+            self._connection.settimeout(PATIENCE)
             self._connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
             self._stream = self._connection.makefile("r", encoding="utf-8", newline="\n")
             if "hello" not in json.loads(self._stream.readline()):
@@ -73,7 +73,7 @@ class PluginBus:
             self._connection.sendall(question.encode())
             line = self._stream.readline()
         except TimeoutError:
-            raise DriverError(f"the program did not answer within {_ANSWER_TIMEOUT} seconds: "
+            raise DriverError(f"the program did not answer within {PATIENCE} seconds: "
                               f"{question}") from None
         except (OSError, AttributeError):
             line = ""
@@ -109,6 +109,10 @@ class PluginNode(Widget):
     @property
     def states(self):
         return set(self._ask("facts")["states"])
+
+    @property
+    def parent(self):
+        return PluginNode(self._bus, self._ask("parent")["id"])
 
     @property
     def children(self):

@@ -1,12 +1,13 @@
 # SPDX-FileCopyrightText: The Folidex authors
 # SPDX-License-Identifier: Apache-2.0
-"""What a person at the station does: look for a widget, click it, type, take a photograph."""
+"""What a person at the station does: look for a widget, click it, type."""
 
 import contextlib
 import pathlib
-import time
 
+from .camera import Camera
 from .stack import wait_until
+from .widget import POPUPS as MENU
 from .widget import TABLES as TABLE
 from .widget import DriverError, Gone
 
@@ -18,7 +19,6 @@ COMBO = ("combo box",)
 DATE = ("spin box", "date editor")
 LABEL = ("label",)
 ITEM = ("menu item", "check menu item", "radio menu item")
-MENU = ("popup menu", "menu")
 BOX = ("alert message", "alert", "dialog")
 
 
@@ -26,14 +26,13 @@ def _same(name, wanted):
     return name.rstrip(":").strip().casefold() == wanted.casefold()
 
 
-class Robot:
+class Robot(Camera):
     """Works on one run of the program at a station; pictures go to a folder."""
 
-    def __init__(self, station, pictures=None, timeout=60):
+    def __init__(self, station, pictures=None):
         self.station = station
         self.pictures = pathlib.Path(pictures or station.log_folder)
         self.pictures.mkdir(parents=True, exist_ok=True)
-        self.timeout = timeout
         self.process = None
         self.app = None
 
@@ -46,9 +45,9 @@ class Robot:
                              "the program on the accessibility bus")
 
     def wait_for_end(self):
-        return self.station.wait_for_end(self.process, self.timeout)
+        return self.station.wait_for_end(self.process)
 
-    def wait(self, condition, what, timeout=None):
+    def wait(self, condition, what):
         """wait_until, but at once over when the program has ended."""
         def look():
             try:
@@ -59,7 +58,7 @@ class Robot:
                 raise DriverError(f"the program ended with code {self.process.returncode} while "
                                   f"the driver waited for {what}: {self.station.program_log()}")
             return result
-        return wait_until(look, what, timeout or self.timeout)
+        return wait_until(look, what)
 
     @contextlib.contextmanager
     def evidence(self, name="failure"):
@@ -82,7 +81,9 @@ class Robot:
 
     def windows(self):
         """The program's windows that show, the latest last."""
-        return [node for node in self.app.children if "showing" in node.states]
+        # A tip comes and goes as the pointer rests.
+        return [node for node in self.app.children
+                if "showing" in node.states and node.role != "tool tip"]
 
     def nodes(self, roles, name=None, inside=None):
         found = []
@@ -91,38 +92,38 @@ class Robot:
                       if name is None or _same(its_name, name)]
         return found
 
-    def find(self, roles, name=None, inside=None, timeout=None):
+    def find(self, roles, name=None, inside=None):
         """The one showing widget of a role and name."""
-        found = self.wait(lambda: self.nodes(roles, name, inside),
-                          f"{roles[0]} \"{name}\"", timeout)
+        found = self.wait(lambda: self.nodes(roles, name, inside), f"{roles[0]} \"{name}\"")
         if len(found) > 1 and name is not None:
             raise DriverError(f"{len(found)} widgets of role {roles[0]} are called \"{name}\"")
         return found[0]
 
-    def window_with(self, roles, name, timeout=None):
+    def window_with(self, roles, name):
         """The latest window that shows a widget of a role and name."""
         def look():
             for window in reversed(self.windows()):
                 if self.nodes(roles, name, window):
                     return window
             return None
-        return self.wait(look, f"a window with the {roles[0]} \"{name}\"", timeout)
+        return self.wait(look, f"a window with the {roles[0]} \"{name}\"")
 
-    def message(self, title, timeout=None):
+    def box(self, title):
+        """The message box or dialog with a title, if it shows."""
+        return next((window for window in self.windows()
+                     if window.role in BOX and _same(window.name, title)), None)
+
+    def message(self, title):
         """The message box with a title, as (box, its text)."""
-        def look():
-            for window in self.windows():
-                if window.role in BOX and _same(window.name, title):
-                    texts = [label.name for label in self.nodes(LABEL, None, window)]
-                    return window, "\n".join(text for text in texts if text)
-            return None
-        return self.wait(look, f"the message \"{title}\"", timeout)
+        box = self.wait(lambda: self.box(title), f"the message \"{title}\"")
+        texts = [label.name for label in self.nodes(LABEL, None, box)]
+        return box, "\n".join(text for text in texts if text)
 
     def answer(self, box, button):
         self.press(self.find(BUTTON, button, box))
         self.wait_gone(box)
 
-    def wait_gone(self, node, timeout=None):
+    def wait_gone(self, node):
         def gone():
             if self.process.poll() is not None:
                 return True
@@ -130,7 +131,7 @@ class Robot:
                 return "showing" not in node.states
             except Gone:
                 return True
-        wait_until(gone, "a window to close", timeout or self.timeout)
+        wait_until(gone, "a window to close")
 
     def wait_enabled(self, node):
         self.wait(lambda: "enabled" in node.states and "sensitive" in node.states,
@@ -151,25 +152,35 @@ class Robot:
 
     def click_at(self, x, y, times=1):
         scale = self.station.scale
+        # Without a delay: what comes too late is no double click.
         self.station.run("xdotool", "mousemove", str(round(x * scale)), str(round(y * scale)),
-                         "click", "--repeat", str(times), "--delay", "40", "1")
+                         "click", "--repeat", str(times), "--delay", "0", "1")
 
-    def _wait_active(self):
-        """A click on a window that the window manager still places would go past it."""
-        pid = str(self.process.pid)
-        self.wait(lambda: self.station.output("xdotool", "getactivewindow",
-                                              "getwindowpid").strip() == pid,
-                  "the program's window to be the active one")
+    def _wait_reachable(self, node):
+        """A click on a window that the window manager still places, or that the program knows
+        elsewhere than it is, would go past it."""
+        window = node.window()
+
+        def look():
+            told = self._told_box(window)
+            if window.role in MENU:
+                boxes = [box for _number, box in self._x_windows()]
+            else:
+                active = self.station.output("xdotool", "getactivewindow").strip()
+                boxes = [self._box_of(active)] if active else []
+            return any(box and self._distance(box, told) is not None for box in boxes)
+        self.wait(look, f"{window.describe()} to be the active window")
 
     def hover(self, node):
         """Puts the pointer over a widget."""
+        self._wait_reachable(node)
         x, y, width, height = (value * self.station.scale for value in self._still(node))
         self.station.run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2))
 
     def press(self, node, times=1):
         """Clicks the middle of an enabled widget."""
         self.wait_enabled(node)
-        self._wait_active()
+        self._wait_reachable(node)
         x, y, width, height = self._still(node)
         if node.role in CHECK + RADIO:
             width = min(width, 18)
@@ -248,15 +259,21 @@ class Robot:
         self.wait(lambda: node.text == text, f"{node.describe()} to read \"{text}\"")
 
     def cells(self, table):
-        """The texts of a table's visible columns, a list for every row."""
-        rows, columns = table.table_size
+        """The texts of a table's visible columns, a list for every row, as they stand together: a
+        table that changes while it is read is read again."""
+        def look():
+            rows, columns = size = table.table_size
+            texts = [self._row(table, row, columns) for row in range(rows)]
+            whole = table.table_size == size and len({len(row) for row in texts}) <= 1
+            return (texts,) if whole else None
+        return self.wait(look, f"{table.describe()} to come to rest")[0]
+
+    def _row(self, table, row, columns):
         texts = []
-        for row in range(rows):
-            line = []
-            for column in range(columns):
-                with contextlib.suppress(Gone):
-                    line.append(table.table_cell(row, column).name)
-            texts.append(line)
+        for column in range(columns):
+            # Hidden columns have no cells.
+            with contextlib.suppress(Gone):
+                texts.append(table.table_cell(row, column).name)
         return texts
 
     # -- pop-up menus
@@ -281,78 +298,3 @@ class Robot:
     def choose(self, menu, item):
         self.press(item)
         self.wait_gone(menu)
-
-    # -- photographs
-
-    def photograph(self, name, window=None, also=()):
-        """A picture of a window with its frame (else of the whole screen), with what pops out
-        of it; what lies beside both is left out."""
-        path = self.pictures / f"{name}.png"
-        command = ["import", "-window", "root"]
-        if window:
-            boxes = [self._frame_of(window)]
-            for node in also:
-                x, y, width, height = (value * self.station.scale for value in node.extents)
-                boxes.append((x, y, x + width, y + height))
-            left, top = (max(min(box[side] for box in boxes), 0) for side in (0, 1))
-            right, bottom = (max(box[side] for box in boxes) for side in (2, 3))
-            command += ["-crop", f"{right - left}x{bottom - top}+{left}+{top}", "+repage"]
-        self.station.run(*command, str(path))
-        if also:
-            self._leave_out(path, [[box[side] - (left, top)[side % 2] for side in range(4)]
-                                   for box in boxes])
-        return path
-
-    def _leave_out(self, path, boxes):
-        """Makes a picture transparent outside the boxes."""
-        shown = " ".join(f"rectangle {left},{top} {right - 1},{bottom - 1}"
-                         for left, top, right, bottom in boxes)
-        self.station.run("convert", str(path), "(", "+clone", "-fill", "black", "-colorize", "100",
-                         "-fill", "white", "-draw", shown, ")", "-alpha", "off", "-compose",
-                         "CopyOpacity", "-composite", str(path))
-
-    def _frame_of(self, window):
-        """left, top, right, bottom of a window with its frame, in pixels of the screen."""
-        told = [value * self.station.scale for value in self._still(window)]
-        found = [(sum(abs(a - b) for a, b in zip(box, told)), box, number)
-                 for number, box in self._x_windows()]
-        # What the accessibility bus tells is rounded to the program's own pixels.
-        nearby = [each for each in found if each[0] <= 4 * self.station.scale]
-        if not nearby:
-            return told[0], told[1], told[0] + told[2], told[1] + told[3]
-        _distance, (x, y, width, height), number = min(nearby)
-        margins = [0, 0, 0, 0]
-        line = self.station.output("xprop", "-id", number, "_NET_FRAME_EXTENTS")
-        if "=" in line:
-            margins = [int(part) for part in line.split("=")[1].split(",")]
-        left, right, top, bottom = margins
-        return x - left, y - top, x + width + right, y + height + bottom
-
-    def _x_windows(self):
-        """The program's visible windows as the display knows them: (id, (x, y, width, height))."""
-        for number in self.station.output("xdotool", "search", "--onlyvisible", "--pid",
-                                          str(self.process.pid)).split():
-            facts = dict(line.strip().split(": ", 1) for line in self.station.output(
-                "xwininfo", "-id", number).splitlines() if ": " in line)
-            with contextlib.suppress(KeyError):
-                yield number, tuple(int(facts[key]) for key in (
-                    "Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
-
-    def park_pointer(self):
-        """Moves the pointer where it lights up nothing, and waits for the picture to settle."""
-        self.station.run("xdotool", "mousemove", "1", "1")
-        self.settle()
-
-    def settle(self, quiet=0.3):
-        """Returns when two pictures of the screen in succession are the same."""
-        before = None
-
-        def look():
-            nonlocal before
-            now = self.station.output("import", "-window", "root", "-format",
-                                      "%#\n", "info:-") or None
-            rests, before = now is not None and now == before, now
-            if not rests:
-                time.sleep(quiet / 4)
-            return rests
-        wait_until(look, "the screen to come to rest")

@@ -7,8 +7,8 @@ import pathlib
 import shutil
 import subprocess
 
-from .stack import Stack
 from .widget import DriverError
+from .workplace import Workplace
 
 _SANE = pathlib.Path(__file__).resolve().parents[1] / "sane"
 _TEST_CONF = """\
@@ -22,53 +22,39 @@ br_y 160.0
 """
 
 
-class Station(Stack):
+class Station(Workplace):
     """The program on this system.
 
-    home holds data (all-users folder), sane (scanner configuration), log.
+    home holds data (all-users folder), sane (scanner configuration), log. scanner adds to the
+    configuration of SANE's test device, whose feeder holds ten pages.
     """
 
-    def __init__(self, program, home=None, scale=1, page_delay=False,
-                 name="folidex-e2e-"):
+    def __init__(self, program, home=None, scale=1, scanner=None, name="folidex-e2e-"):
         super().__init__(home, scale, name)
         self.program = str(pathlib.Path(program).resolve())
-        self._page_delay = page_delay
+        self._scanner = scanner or {}
 
     @property
     def all_users_folder(self):
         return self.home / "data"
 
-    @property
-    def app_folder(self):
-        return self.all_users_folder / "Brightmoor"
-
-    @property
-    def preferences_file(self):
-        return self.app_folder / "folidex_Preferences.xml"
-
-    @property
-    def program_folder(self):
-        return pathlib.Path(self.program).parent
-
     def as_told(self, path):
         """A path of the disk as the program writes it."""
         return str(path)
+
+    @staticmethod
+    def as_picker_writes(day):
+        """A date as the program's pickers and lists write it."""
+        return f"{day.day} {day.strftime('%b')} {day.year}"
 
     def _make_folders(self):
         for name in ("data", "sane", "log", "home", "run", "cache"):
             (self.home / name).mkdir(parents=True, exist_ok=True)
         (self.home / "run").chmod(0o700)
         shutil.copy(_SANE / "dll.conf", self.home / "sane")
-        self.set_scanner()
-
-    def set_scanner(self, **options):
-        """Writes the test device's configuration; options replace or add lines."""
-        lines = dict(line.split(" ", 1) for line in _TEST_CONF.splitlines())
-        if self._page_delay:
-            lines |= {"read-delay": "true", "read-delay-duration": "8000"}
-        lines |= {key.replace("_", "-"): str(value) for key, value in options.items()}
-        text = "".join(f"{key} {value}\n" for key, value in lines.items())
-        (self.home / "sane/test.conf").write_text(text)
+        lines = dict(line.split(" ", 1) for line in _TEST_CONF.splitlines()) | self._scanner
+        (self.home / "sane/test.conf").write_text(
+            "".join(f"{key} {value}\n" for key, value in lines.items()))
 
     def _environment(self):
         keep = ("PATH", "LANG", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
@@ -106,13 +92,5 @@ class Station(Stack):
             raise DriverError(f"dbus-daemon did not start: {self._read_log('dbus')}")
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
 
-    # -- the program
-
-    def start_program(self, environment=None):
-        """Starts the program; its output goes to the station's log."""
-        saved = self.environment
-        self.environment = saved | (environment or {})
-        try:
-            return self._start("program", [self.program])
-        finally:
-            self.environment = saved
+    def _program_command(self):
+        return [self.program]

@@ -5,7 +5,7 @@
 import datetime
 import shutil
 
-from .robot import BUTTON, Robot
+from .robot import Robot
 from .widget import DriverError
 
 DESCRIPTION = "O'Brien's lease, signed"
@@ -28,15 +28,15 @@ def expect(holds, what):
 
 
 class Tour:
-    """Played at a station with its desktop and a scanner that delivers PAGES pages; a system's own
-    tour says in make_clerk() and as_picker_writes() what is different there."""
+    """Played at a station with its desktop and a scanner that delivers PAGES pages, by a kind of
+    clerk."""
 
-    def __init__(self, station, desktop, shared, out):
+    def __init__(self, station, kind_of_clerk, desktop, shared, out):
         self.station, self.out = station, out
         self.pictures = {}
         self.robot = Robot(station, out)
         self.desktop = desktop
-        self.clerk = self.make_clerk()
+        self.clerk = kind_of_clerk(self.robot, self.picture)
         self.data = shared / "Documents"
         self.day = other_month(datetime.date.today())
         self.listed = {}
@@ -75,7 +75,7 @@ class Tour:
                                         self.data.name)
         self.picture("main-empty", main)
         capture = clerk.new_scan(main)
-        clerk.scan(capture)
+        self.first_scan(capture)
         clerk.describe(capture, DESCRIPTION, self.as_picker_writes(self.day), (CONTRACTS, LANDLORD))
         self.picture("capture-filled", capture)
         clerk.save_and_new(capture)
@@ -95,6 +95,12 @@ class Tour:
         self.picture("main-found", main)
         return main
 
+    def first_scan(self, capture):
+        self.clerk.scan(capture)
+
+    def as_picker_writes(self, day):
+        return self.station.as_picker_writes(day)
+
     def wait_listed(self, main):
         """Waits for the documents on file, in the order of their dates."""
         wanted = [(self.as_picker_writes(day), description) for day, description
@@ -113,7 +119,7 @@ class Tour:
         clerk.scan(capture)
         self.picture("capture-scanned-again", capture)
         clerk.view(capture, "My new scan")
-        self.desktop.wait_opened(self.station.app_folder / "current_scan.pdf")
+        self.desktop.wait_opened(self.station.temporary_scan)
         clerk.view(capture, "The scan on file.")
         self.desktop.wait_opened(self.pdf)
         clerk.save(capture)
@@ -156,16 +162,14 @@ class Tour:
 
     def be_refused(self, main):
         """What the capture form says to a document without a description."""
-        clerk, robot = self.clerk, self.robot
+        clerk = self.clerk
         capture = clerk.new_scan(main)
         menu = clerk.menu_of(capture, "Retain tags menu")
         self.picture("retain-menu", capture, (menu,))
-        robot.keys("Escape")
-        robot.wait_gone(menu)
-        robot.press(robot.find(BUTTON, "Save", capture))
+        clerk.close_menu(menu)
+        clerk.press(capture, "Save")
         clerk.read_message("Error", picture="message-no-description")
-        robot.press(robot.find(BUTTON, "Cancel", capture))
-        robot.wait_gone(capture)
+        clerk.cancel_capture(capture)
 
     def delete(self, main):
         """The document goes, its PDF stays."""
@@ -186,7 +190,7 @@ class Tour:
         self.wait_listed(main)
         self.picture("main-restored", main)
         location = clerk.data_location(main)
-        self.robot.press(self.robot.find(BUTTON, "Cancel", location))
+        clerk.press(location, "Cancel")
         self.end(self.robot.wait_for_end())
 
     def end(self, code):

@@ -7,11 +7,12 @@ import gi
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio, GLib  # noqa: E402
 
-from .widget import Gone, Widget, plain_name  # noqa: E402
+from .stack import PATIENCE  # noqa: E402
+from .widget import DriverError, Gone, Widget, plain_name  # noqa: E402
 
 _ACCESSIBLE = "org.a11y.atspi.Accessible"
 _ROOT = "/org/a11y/atspi/accessible/root"
-_CALL_TIMEOUT = 20_000
+_CALL_TIMEOUT = PATIENCE * 1000
 
 # Bits of the state set that the driver asks about.
 _STATES = {"checked": 4, "editable": 7, "enabled": 8, "focused": 12, "modal": 16,
@@ -65,13 +66,11 @@ class Bus:
             return self._connection.call_sync(service, path, interface, method, arguments, None,
                                               0, _CALL_TIMEOUT, None).unpack()
         except GLib.Error as failure:
+            if failure.matches(Gio.io_error_quark(), Gio.IOErrorEnum.TIMED_OUT):
+                # It may well be there; nobody must take it for closed.
+                raise DriverError(f"{path} did not answer {method} within {PATIENCE} "
+                                  "seconds") from None
             raise Gone(failure.message) from None
-
-    def send(self, service, path, interface, method, arguments=None):
-        """A call whose answer is not waited for: the program may open a window before it answers."""
-        self._connection.call(service, path, interface, method, arguments, None, 0,
-                              _CALL_TIMEOUT, None, None)
-        self._connection.flush_sync(None)
 
     def process_id(self, service):
         return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
@@ -106,9 +105,6 @@ class Node(Widget):
         return self._bus.call(self.service, self.path, f"org.a11y.atspi.{interface}", method,
                               arguments)
 
-    def send(self, interface, method, arguments=None):
-        self._bus.send(self.service, self.path, f"org.a11y.atspi.{interface}", method, arguments)
-
     def _property(self, interface, name):
         return self._bus.call(self.service, self.path, "org.freedesktop.DBus.Properties", "Get",
                               GLib.Variant("(ss)", (f"org.a11y.atspi.{interface}", name)))[0]
@@ -120,6 +116,10 @@ class Node(Widget):
     @property
     def role(self):
         return self.call("Accessible", "GetRoleName")[0]
+
+    @property
+    def parent(self):
+        return Node(self._bus, *self._property("Accessible", "Parent"))
 
     @property
     def children(self):

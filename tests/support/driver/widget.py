@@ -8,6 +8,7 @@ import re
 
 # Roles of what may have very many parts.
 TABLES = ("table", "tree", "tree table")
+POPUPS = ("popup menu", "menu")
 
 
 class DriverError(Exception):
@@ -24,9 +25,16 @@ def plain_name(name):
 
 
 class Widget:
-    """Every property asks the program anew. A kind of widget gives name, role, states, children,
-    extents (x, y, width and height on the screen, in the program's own pixels), text, caret,
-    set_text(), table_size and table_cell()."""
+    """Every property asks the program anew. A kind of widget gives name, role, states, parent,
+    children, extents (x, y, width and height on the screen, in the program's own pixels), text,
+    caret, set_text(), table_size and table_cell()."""
+
+    def window(self):
+        """The window or pop-up menu that it lies in, or that it is."""
+        node = self
+        while node.role not in POPUPS and (above := node.parent).role != "application":
+            node = above
+        return node
 
     def walk(self, depth=30):
         """This widget and all below it, outermost first; cells of tables are left out."""

@@ -21,7 +21,8 @@ class WindowsClerk(Archivist):
         """Browses for the location of a new data folder: goes to the folder of the desktop whose
         name begins so, and takes it."""
         robot = self.robot
-        robot.press(robot.nodes(BUTTON, "Browse Location", window)[0])
+        robot.press(robot.wait(lambda: robot.nodes(BUTTON, "Browse Location", window),
+                               "a button to browse with")[0])
         robot.wait(lambda: self._active_title() == title, f"\"{title}\"")
         self._picture("browse", None)
         # From the button that takes the choice to the folders.
@@ -31,12 +32,15 @@ class WindowsClerk(Archivist):
     def take_up(self, window):
         """Turns to a window again, as a click into the task bar does. Under wine nobody does it
         by himself when the window of another program closes before it."""
-        def look():
-            title = window.name
-            for number in self._windows_titled(title):
-                self.robot.station.output("xdotool", "windowactivate", number)
-            return self._active_title() == title
-        self.robot.wait(look, f"{window.describe()} to be taken up")
+        self.robot.wait(lambda: self._take_up(window.name), f"{window.describe()} to be taken up")
+
+    def _take_up(self, title):
+        """Turns to the window with a title; its number when it is the active one."""
+        for number in self._windows_titled(title):
+            if self._active_title() == title:
+                return number
+            self.robot.station.output("xdotool", "windowactivate", number)
+        return None
 
     def _windows_titled(self, title):
         return self.robot.station.output("xdotool", "search", "--onlyvisible", "--name",
@@ -45,20 +49,22 @@ class WindowsClerk(Archivist):
     def _active_title(self):
         return self.robot.station.output("xdotool", "getactivewindow", "getwindowname").strip()
 
-    # -- the capture form
-
-    def cancel_capture(self, window):
-        self.robot.press(self.robot.find(BUTTON, "Cancel", window))
-        self.robot.wait_gone(window)
-
     # -- the scanner
 
     def choose_scanner(self, window, name):
-        """Chooses a source of the menu; the sources that it showed."""
+        """Chooses a source of the menu; the sources that it showed. They come as their managers
+        tell of them, so who misses one looks again."""
         robot = self.robot
-        menu = self.menu_of(window, "Scan")
-        items = [item for item in robot.items(menu) if "enabled" in item.states]
-        names = [item.name for item in items]
+
+        def look():
+            menu = self.menu_of(window, "Scan")
+            items = [item for item in robot.items(menu) if "enabled" in item.states]
+            names = [item.name for item in items]
+            if name in names:
+                return menu, items, names
+            self.close_menu(menu)
+            return None
+        menu, items, names = robot.wait(look, f"\"{name}\" in the scanner menu")
         if names.count(name) != 1:
             raise DriverError(f"the scanner menu has not one \"{name}\": {names}")
         item = items[names.index(name)]
@@ -68,23 +74,26 @@ class WindowsClerk(Archivist):
         robot.choose(menu, item)
         return names
 
-    def source_window(self, name):
-        """The number of the driver's own window on the display."""
-        return self.robot.wait(lambda: self._windows_titled(name), f"the window of \"{name}\"")[-1]
-
     def press_in_source(self, name, button):
-        """Presses a button of the driver's window, and waits until the window has gone."""
-        station, number = self.robot.station, self.source_window(name)
+        """Presses a button of the driver's own window, and waits until the window has gone."""
+        number = self.robot.wait(lambda: self._take_up(name), f"the window of \"{name}\"")
         self._picture("source", None)
         x, y = _BUTTONS[button]
-        station.run("xdotool", "mousemove", "--window", number, str(x), str(y), "click", "1")
+        self.robot.station.run("xdotool", "mousemove", "--window", number, str(x), str(y),
+                               "click", "1")
         self.robot.wait(lambda: not self._windows_titled(name), f"the window of \"{name}\" to go")
 
     def scan(self, window, source="Flatbed"):
-        """Scans with a source, to the end of its feeder."""
-        view = self.robot.find(BUTTON, "View", window)
+        """Scans with a source, to the end of its feeder; the sources of the menu."""
         names = self.choose_scanner(window, source)
         self.press_in_source(source, "Scan")
-        self.robot.wait(lambda: "enabled" in view.states, "the scan to be there to view")
+        self.wait_scanned(window)
         self.take_up(window)
         return names
+
+    def wait_released(self, window):
+        """Waits until no driver runs any more, and the form that it ran for is within reach."""
+        self.robot.wait(lambda: not self.robot.station.scanning_helpers(), "the drivers to end")
+        self.robot.wait(lambda: self.robot.windows()[-1] == window,
+                        "nothing to lie over the form")
+        self.take_up(window)

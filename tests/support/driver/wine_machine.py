@@ -7,6 +7,7 @@ import pathlib
 import shutil
 import subprocess
 
+from .stack import PATIENCE
 from .widget import DriverError
 
 _WINE = pathlib.Path("/usr/lib/wine")
@@ -103,7 +104,7 @@ class Machine:
         for option in ("-k", "-w"):
             subprocess.run([str(_WINE / "wineserver"), option], env=self.environment,
                            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                           stderr=subprocess.DEVNULL, check=False, timeout=60)
+                           stderr=subprocess.DEVNULL, check=False, timeout=PATIENCE)
 
     def as_told(self, path):
         """A path of the disk as programs on the machine write it."""

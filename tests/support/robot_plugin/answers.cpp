@@ -59,6 +59,11 @@ QJsonObject children_of(QAccessibleInterface* widget, const QJsonObject&) {
     return {{u"children"_s, children}};
 }
 
+QJsonObject parent_of(QAccessibleInterface* widget, const QJsonObject&) {
+    QAccessibleInterface* parent = widget->parent();
+    return parent ? facts(parent) : gone(u"no parent"_s);
+}
+
 QJsonObject rectangle_of(QAccessibleInterface* widget, const QJsonObject&) {
     const QRect rectangle = widget->rect();
     return {{u"extents"_s,
@@ -154,9 +159,9 @@ using AboutAll = QJsonObject (*)(const QJsonObject&);
 
 const QHash<QString, AboutOne>& about_one() {
     static const QHash<QString, AboutOne> operations{
-        {u"facts"_s, facts_of},        {u"children"_s, children_of}, {u"extents"_s, rectangle_of},
-        {u"text"_s, text_of},          {u"set_text"_s, set_text},    {u"table_size"_s, table_size},
-        {u"table_cell"_s, table_cell}, {u"tree"_s, tree_of}};
+        {u"facts"_s, facts_of},        {u"parent"_s, parent_of},      {u"children"_s, children_of},
+        {u"extents"_s, rectangle_of},  {u"text"_s, text_of},          {u"set_text"_s, set_text},
+        {u"table_size"_s, table_size}, {u"table_cell"_s, table_cell}, {u"tree"_s, tree_of}};
     return operations;
 }
 

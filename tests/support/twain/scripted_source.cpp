@@ -213,9 +213,8 @@ Source::Answer Source::enable(const TW_USERINTERFACE& interface) {
     shape.lpszClassName = "FolidexVirtualScanner";
     RegisterClassA(&shape);
     const bool shown = say("window") != 0;
-    window_ = CreateWindowExA(0, shape.lpszClassName, section_.c_str(),
-                              shown ? WS_OVERLAPPEDWINDOW | WS_VISIBLE : WS_OVERLAPPEDWINDOW, 60,
-                              60, 320, 150, parent_, nullptr, nullptr, nullptr);
+    window_ = CreateWindowExA(0, shape.lpszClassName, section_.c_str(), WS_OVERLAPPEDWINDOW, 60, 60,
+                              320, 150, parent_, nullptr, nullptr, nullptr);
     if (window_ == nullptr)
         return fail(TWCC_OPERATIONERROR);
     SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
@@ -224,6 +223,8 @@ Source::Answer Source::enable(const TW_USERINTERFACE& interface) {
                         36, window_, reinterpret_cast<HMENU>(IDOK), nullptr, nullptr);
         CreateWindowExA(0, "BUTTON", "Cancel", WS_CHILD | WS_VISIBLE, 160, 50, 120, 36, window_,
                         reinterpret_cast<HMENU>(IDCANCEL), nullptr, nullptr);
+        // Not before its buttons are there, because who sees it presses them at once.
+        ShowWindow(window_, SW_SHOW);
         SetForegroundWindow(window_);
     }
     if (interface.ModalUI != 0)
