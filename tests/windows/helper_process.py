@@ -21,10 +21,9 @@ TREE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(TREE / "tests/support"))
 sys.dont_write_bytecode = True
 
-from driver.stack import Stack, wait_until  # noqa: E402
-from driver.wine_machine import Machine  # noqa: E402
-
-DEADLINE = 60  # seconds; how long a busy machine may take for anything that must happen
+from driver.stack import PATIENCE, wait_until  # noqa: E402
+from driver.wine_station import WineStack  # noqa: E402
+from wine_case import bare_machine  # noqa: E402
 
 FEEDER, AUTO_FEED, PROGRESS, DUPLEX, UNTIL_EMPTY = 1, 2, 4, 8, 16
 ALL_WISHES = 31
@@ -55,27 +54,15 @@ class Page:
         return {BILEVEL: (self.width + 7) // 8, GRAY: self.width, RGB: self.width * 3}[self.kind]
 
 
-class Workstation(Stack):
+class Workstation(WineStack):
     """A bare machine with a display, on which helpers run."""
 
     def __init__(self):
-        super().__init__(None, 1, "folidex-twain-")
-        self.machine = Machine(self.home / "machine", self.home / "home")
+        super().__init__(None, name="folidex-twain-")
 
     def _make_folders(self):
-        for name in ("log", "home"):
-            (self.home / name).mkdir()
-        self.machine.make()
-
-    def _environment(self):
-        return dict(self.machine.environment)
-
-    def _connect(self):
-        self.machine.environment = self.environment
-
-    def _end_processes(self):
-        self.machine.end()
-        super()._end_processes()
+        self._origin = bare_machine()
+        super()._make_folders()
 
     @staticmethod
     def command(program, *arguments):
@@ -131,8 +118,8 @@ class Helper:
             self.process.stdin.close()
         if self.process.poll() is None:
             self.process.kill()
-        self.process.wait(DEADLINE)
-        self.reader.join(DEADLINE)
+        self.process.wait(PATIENCE)
+        self.reader.join(PATIENCE)
         self.process.stdout.close()
 
     def _read(self):
@@ -151,11 +138,9 @@ class Helper:
 
     def frame(self):
         """The next frame that is no sign of life; its pages are gathered on the way."""
-        while True:
-            kind, payload = self.frames.get(timeout=DEADLINE)
-            if kind != "H":
-                break
+        while (frame := self._next())[0] == "H":
             self.alive += 1
+        kind, payload = frame
         if kind == "B":
             self.open_page = Page(payload)
         elif kind == "R":
@@ -170,6 +155,14 @@ class Helper:
             self.dropped += 1
         return kind, payload
 
+    def _next(self):
+        return self.frames.get(timeout=PATIENCE)
+
+    def sign_of_life(self):
+        """Waits for one more; nothing else may come meanwhile."""
+        kind, payload = self._next()
+        assert kind == "H", f"{kind} {payload!r} and no sign of life"
+
     def until(self, *kinds):
         """Skips to a frame of one of these kinds; the end of everything is one of kind None."""
         while True:
@@ -180,15 +173,14 @@ class Helper:
                 raise AssertionError(f"the helper ended ({payload!r}) before a frame of {kinds}")
 
     def done(self):
-        """What it says last; after it nothing may come."""
-        ending = Ending(self.until("D")[1])
-        return ending
+        """What it says last."""
+        return Ending(self.until("D")[1])
 
     def ended(self):
         """The exit code, after the pipe was closed with nothing more in it."""
         kind, rest = self.frame()
         assert kind is None and rest == b"", f"a frame after the last one: {kind} {rest!r}"
-        return self.process.wait(DEADLINE)
+        return self.process.wait(PATIENCE)
 
 
 class Desk:
@@ -236,6 +228,14 @@ class Desk:
     def scan(self, *options, name="Virtual", index=0, wishes=ALL_WISHES, owner=0):
         return self.run("scan", "--index", index, "--name", name, "--owner", owner, "--wishes",
                         wishes, *options)
+
+    @contextlib.contextmanager
+    def scanning(self, *arguments, **options):
+        """A helper whose source was opened and told to scan."""
+        with self.scan(*arguments, **options) as helper:
+            helper.until("O")
+            helper.say("a")
+            yield helper
 
 
 def level(x, y, page, colour=0):

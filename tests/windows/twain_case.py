@@ -8,11 +8,12 @@ import tempfile
 import unittest
 
 import helper_process as hp
-from driver.stack import wait_until
 
 WORKSTATION = hp.Workstation()
 JAM, DOUBLE_FEED, INTERLOCK, NO_MEDIA = 20, 21, 24, 29
 SMALL = "rgb100@60x40"
+# A page that comes so slowly that nobody sees its end.
+SLOW = {"pages": "gray100@100x60000*3", "rows": 2, "strip_ms": 20}
 
 
 def set_up_module():
@@ -36,9 +37,7 @@ class Scanning:
     def scan(self, **keys):
         """Lets the one virtual scanner play; returns the helper and how it ended."""
         self.desk.script(Virtual=keys)
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning() as helper:
             ending = helper.done()
             helper.exit_code = helper.ended()
         return helper, ending
@@ -47,9 +46,7 @@ class Scanning:
         """A scan that has come to a place from which its driver does not come back yet."""
         (self.desk.folder / "scanners.go").unlink(missing_ok=True)
         self.desk.script(Virtual={"pages": "gray100@30x20*2", "rows": 5, "pause": place, **keys})
-        helper = self.enterContext(self.desk.scan())
-        helper.until("O")
-        helper.say("a")
+        helper = self.enterContext(self.desk.scanning())
         self.desk.wait_for_log(f"pause at {place}")
         return helper
 
@@ -88,5 +85,18 @@ class Scanning:
         self.assertEqual(steps[-3:], ["disable", "close", "manager close"], steps)
         self.assertFalse([line for line in steps if "out of order" in line], steps)
 
-    def wait_for_log(self, line):
-        wait_until(lambda: line in self.desk.log(), f"\"{line}\" in the log")
+    def assert_stays_silent(self, helper):
+        """For a while a helper that is already silent stays so, and alive: as long as another one,
+        whose user takes his time, gives three signs of life."""
+        desk = self.new_desk()
+        desk.script(Virtual={"answer": "wait"})
+        with desk.scanning() as other:
+            other.until("W")
+            other.sign_of_life()
+            while not helper.frames.empty():
+                # From before it fell silent; nothing but signs of life was under way then.
+                helper.sign_of_life()
+            for _ in range(3):
+                other.sign_of_life()
+        self.assertTrue(helper.frames.empty())
+        self.assertIsNone(helper.process.poll())

@@ -113,9 +113,8 @@ class Opening(Scanning):
     def test_a_manager_that_hangs_on_load_gives_no_sign_of_life(self):
         self.desk.script({"hang": "load", "log": 1}, Virtual={})
         with self.desk.list() as helper:
-            self.wait_for_log("hang at load:0")
-            self.assertTrue(helper.frames.empty())
-            self.assertIsNone(helper.process.poll())
+            self.desk.wait_for_log("hang at load:0")
+            self.assert_stays_silent(helper)
 
     def test_a_manager_that_crashes_on_load_is_passed_over(self):
         # The system takes it for a library that cannot be loaded; wine's own comes next.
@@ -133,16 +132,12 @@ class Opening(Scanning):
     def test_the_source_at_the_index_is_opened_though_names_are_double(self):
         self.desk.write({"manager": {"sources": "Virtual|Virtual|Other", "log": 1},
                             "Virtual": {"pages": SMALL}})
-        with self.desk.scan(index=1) as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning(index=1) as helper:
             self.assert_outcome(helper.done(), hp.GOOD, pages=1)
 
     def test_a_list_that_has_changed_is_searched_by_name(self):
         self.desk.script(New={"fail": "open:5"}, Virtual={"pages": SMALL})
-        with self.desk.scan(index=0) as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning(index=0) as helper:
             self.assert_outcome(helper.done(), hp.GOOD, pages=1)
         self.assertIn("Virtual open", self.desk.log())
         self.assertNotIn("New open", self.desk.log())
@@ -174,9 +169,7 @@ class Opening(Scanning):
 
     def test_a_program_whose_window_is_gone_gets_its_pages(self):
         self.desk.script(Virtual={"pages": SMALL})
-        with self.desk.scan(owner=987654321) as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning(owner=987654321) as helper:
             self.assert_outcome(helper.done(), hp.GOOD, pages=1)
 
     def test_a_program_that_goes_away_leaves_no_open_source(self):
@@ -205,9 +198,7 @@ class Opening(Scanning):
 
     def test_what_was_not_wished_is_left_alone(self):
         self.desk.script(Virtual={"pages": SMALL, "duplex": 1})
-        with self.desk.scan(wishes=0) as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning(wishes=0) as helper:
             helper.done()
             helper.ended()
         settings = [line for line in self.desk.log() if " set " in line]

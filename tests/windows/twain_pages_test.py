@@ -8,7 +8,7 @@ import unittest
 
 import helper_process as hp
 from driver.stack import wait_until
-from twain_case import SMALL, WORKSTATION, Scanning, set_up_module
+from twain_case import SLOW, SMALL, WORKSTATION, Scanning, set_up_module
 
 setUpModule = set_up_module
 
@@ -90,9 +90,7 @@ class Pages(Scanning):
             with self.subTest(transfers=transfers):
                 self.desk.script({"memory": 1}, Virtual={"pages": "rgb100@61x43*2",
                                                          "transfers": transfers})
-                with self.desk.scan() as helper:
-                    helper.until("O")
-                    helper.say("a")
+                with self.desk.scanning() as helper:
                     self.assert_outcome(helper.done(), hp.GOOD, pages=2)
                     helper.ended()
                 self.assert_page(helper.pages[1], "rgb", 61, 43, 1)
@@ -127,9 +125,7 @@ class Pages(Scanning):
                               ({"old": 1}, {"ready_at_once": 1})):
             with self.subTest(manager=manager, **keys):
                 self.desk.script(manager, Virtual={"pages": SMALL + "*2", **keys})
-                with self.desk.scan() as helper:
-                    helper.until("O")
-                    helper.say("a")
+                with self.desk.scanning() as helper:
                     helper.until("W")
                     self.assert_outcome(helper.done(), hp.GOOD, pages=2)
                     helper.ended()
@@ -146,7 +142,7 @@ class Pages(Scanning):
                 self.assertEqual([helper.frame()[0] for _ in range(2)], ["A", "B"])
                 helper.until("E")
                 self.assertEqual(helper.frame()[0], "A")
-                self.assertTrue(helper.frames.empty())
+                self.assert_stays_silent(helper)
                 self.go_on()
                 self.assert_outcome(helper.done(), hp.GOOD, pages=2)
 
@@ -182,9 +178,7 @@ class Pages(Scanning):
 
     def test_the_program_cancels_before_the_source_is_opened_by_its_user(self):
         self.desk.script(Virtual={"pages": SMALL, "answer": "wait"})
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning() as helper:
             helper.until("W")
             helper.say("c")
             self.assert_outcome(helper.done(), hp.CANCELLED)
@@ -192,10 +186,8 @@ class Pages(Scanning):
         self.assert_released()
 
     def test_the_program_cancels_in_the_middle_of_a_page(self):
-        self.desk.script(Virtual={"pages": "gray100@100x2000*3", "rows": 2, "strip_ms": 20})
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        self.desk.script(Virtual=SLOW)
+        with self.desk.scanning() as helper:
             helper.until("R")
             helper.say("c")
             self.assert_outcome(helper.done(), hp.CANCELLED)
@@ -205,11 +197,8 @@ class Pages(Scanning):
                                              "manager close"])
 
     def test_a_feeder_that_cannot_be_reset_is_stopped(self):
-        self.desk.script(Virtual={"pages": "gray100@100x2000*3", "rows": 2, "strip_ms": 20,
-                                     "fail": "reset:5"})
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        self.desk.script(Virtual=SLOW | {"fail": "reset:5"})
+        with self.desk.scanning() as helper:
             helper.until("R")
             helper.say("c")
             self.assert_outcome(helper.done(), hp.CANCELLED)
@@ -217,38 +206,31 @@ class Pages(Scanning):
         self.assertIn("stopfeeder", self.steps())
 
     def test_a_program_that_dies_while_pages_come_leaves_no_open_source(self):
-        self.desk.script(Virtual={"pages": "gray100@1000x2000*3", "rows": 20, "strip_ms": 5})
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        self.desk.script(Virtual=SLOW)
+        with self.desk.scanning() as helper:
             helper.until("R")
             helper.process.stdin.close()
-            helper.until("D")
+            self.assert_outcome(helper.done(), hp.CANCELLED)
             self.assertEqual(helper.ended(), 0)
         self.assert_released()
 
     def test_signs_of_life_come_while_the_user_decides(self):
-        self.desk.script(Virtual={"pages": SMALL, "ready_ms": 2500})
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        self.desk.script(Virtual={"pages": SMALL, "answer": "wait"})
+        with self.desk.scanning() as helper:
             helper.until("W")
-            before = helper.alive
-            self.assert_outcome(helper.done(), hp.GOOD, pages=1)
-        self.assertGreaterEqual(helper.alive - before, 2)
+            for _ in range(3):
+                helper.sign_of_life()
 
     @staticmethod
     def brings_up_its_window():
         WORKSTATION.output("xdotool", "search", "--onlyvisible", "--name", "^Virtual$",
-                           "windowactivate", "--sync")
+                           "windowactivate")
         return "Virtual" in WORKSTATION.output("xdotool", "getactivewindow", "getwindowname")
 
     def in_its_window(self, *keys):
         """What the user presses in the source's own window."""
         self.desk.script(Virtual={"pages": SMALL + "*2", "window": 1})
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning() as helper:
             helper.until("W")
             wait_until(self.brings_up_its_window, "the source's window")
             WORKSTATION.run("xdotool", "key", *keys)

@@ -5,7 +5,6 @@
 crash, hang and chatter.
 """
 
-import queue
 import unittest
 
 import helper_process as hp
@@ -23,9 +22,7 @@ class Trouble(Scanning):
 
     def trouble(self, answer, **keys):
         self.desk.script(Virtual={"pages": "gray100@30x20*4", "rows": 5, **keys})
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning() as helper:
             told = hp.Ending(helper.until("T")[1])
             helper.say(answer)
             ending = helper.done()
@@ -115,9 +112,7 @@ class Trouble(Scanning):
     def nothing_comes(self, *options):
         """A scan whose source answers again and again that it has nothing yet."""
         self.desk.script(Virtual={"pages": SMALL, "nonsense": "empty"})
-        helper = self.enterContext(self.desk.scan(*options))
-        helper.until("O")
-        helper.say("a")
+        helper = self.enterContext(self.desk.scanning(*options))
         self.desk.wait_for_log("Virtual gives nothing")
         return helper
 
@@ -168,21 +163,16 @@ class Trouble(Scanning):
 
     def test_a_driver_that_hangs_gives_no_sign_of_life(self):
         self.desk.script(Virtual={"pages": SMALL, "hang": "transfer:1"})
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning() as helper:
             helper.until("A")
-            self.wait_for_log("hang at transfer:1")
-            self.assertRaises(queue.Empty, helper.frames.get, timeout=3)
-            self.assertIsNone(helper.process.poll())
+            self.desk.wait_for_log("hang at transfer:1")
+            self.assert_stays_silent(helper)
 
     def test_a_driver_that_hangs_does_not_outlive_the_program_for_long(self):
         self.desk.script(Virtual={"pages": SMALL, "hang": "transfer:1"})
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning() as helper:
             helper.until("A")
-            self.wait_for_log("hang at transfer:1")
+            self.desk.wait_for_log("hang at transfer:1")
             helper.process.stdin.close()
             self.assertEqual(helper.ended(), 4)
 
@@ -221,18 +211,14 @@ class Trouble(Scanning):
 
     def test_a_hang_on_the_way_out_loses_nothing(self):
         self.desk.script(Virtual={"pages": SMALL, "hang": "close"})
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning() as helper:
             self.assert_outcome(helper.done(), hp.GOOD, pages=1)
-            self.wait_for_log("hang at close:0")
+            self.desk.wait_for_log("hang at close:0")
             self.assertIsNone(helper.process.poll())
 
     def test_a_driver_that_ends_the_process_leaves_no_last_frame(self):
         self.desk.script(Virtual={"pages": SMALL, "exit": "transfer:1"})
-        with self.desk.scan() as helper:
-            helper.until("O")
-            helper.say("a")
+        with self.desk.scanning() as helper:
             helper.until("A")
             self.assertEqual(helper.ended(), 9)
 
