@@ -5,6 +5,7 @@
 import contextlib
 import pathlib
 
+from . import pointer
 from .camera import Camera
 from .stack import wait_until
 from .widget import POPUPS as MENU
@@ -152,9 +153,7 @@ class Robot(Camera):
 
     def click_at(self, x, y, times=1):
         scale = self.station.scale
-        # Without a delay: what comes too late is no double click.
-        self.station.run("xdotool", "mousemove", str(round(x * scale)), str(round(y * scale)),
-                         "click", "--repeat", str(times), "--delay", "0", "1")
+        pointer.click(self.station.environment["DISPLAY"], round(x * scale), round(y * scale), times)
 
     def _wait_reachable(self, node):
         """A click on a window that the window manager still places, or that the program knows
