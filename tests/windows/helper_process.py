@@ -16,6 +16,7 @@ import struct
 import subprocess
 import sys
 import threading
+import time
 
 TREE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(TREE / "tests/support"))
@@ -106,7 +107,6 @@ class Helper:
         self.pages = []
         self.open_page = None
         self.dropped = 0
-        self.alive = 0
         self.reader = threading.Thread(target=self._read, daemon=True)
         self.reader.start()
 
@@ -138,8 +138,10 @@ class Helper:
 
     def frame(self):
         """The next frame that is no sign of life; its pages are gathered on the way."""
+        end = time.monotonic() + PATIENCE
         while (frame := self._next())[0] == "H":
-            self.alive += 1
+            if time.monotonic() > end:
+                raise AssertionError(f"nothing but signs of life for {PATIENCE} seconds")
         kind, payload = frame
         if kind == "B":
             self.open_page = Page(payload)

@@ -157,7 +157,7 @@ class Robot(Camera):
 
     def _wait_reachable(self, node):
         """A click on a window that the window manager still places, or that the program knows
-        elsewhere than it is, would go past it."""
+        elsewhere than it is, would go past it, and keys to one that has not the focus yet."""
         window = node.window()
 
         def look():
@@ -165,7 +165,7 @@ class Robot(Camera):
             if window.role in MENU:
                 boxes = [box for _number, box in self._x_windows()]
             else:
-                active = self.station.output("xdotool", "getactivewindow").strip()
+                active = self.station.active_window()
                 boxes = [self._box_of(active)] if active else []
             return any(box and self._distance(box, told) is not None for box in boxes)
         self.wait(look, f"{window.describe()} to be the active window")

@@ -155,6 +155,18 @@ class Stack:
             raise DriverError(f"{' '.join(command)} failed: {done.stdout.strip()}")
         return done.stdout
 
+    def active_window(self):
+        """The number of the window that is active and gets what is typed. Programs that set the
+        focus themselves, as wine's do, do so when the window manager has long called it active."""
+        active, focus = (self.output("xdotool", *question).strip() for question in (
+            ("getactivewindow",), ("getwindowfocus", "-f")))
+        return active if active == focus else None
+
+    def active_title(self):
+        """The title of that window."""
+        number = self.active_window()
+        return self.output("xdotool", "getwindowname", number).strip() if number else None
+
     def _end_processes(self):
         for _name, process in reversed(self._started):
             for number in (signal.SIGTERM, signal.SIGKILL):

@@ -23,11 +23,11 @@ class WindowsClerk(Archivist):
         robot = self.robot
         robot.press(robot.wait(lambda: robot.nodes(BUTTON, "Browse Location", window),
                                "a button to browse with")[0])
-        robot.wait(lambda: self._active_title() == title, f"\"{title}\"")
+        robot.wait(lambda: robot.station.active_title() == title, f"\"{title}\"")
         self._picture("browse", None)
         # From the button that takes the choice to the folders.
         robot.keys("shift+Tab", *beginning, "Return")
-        robot.wait(lambda: self._active_title() != title, f"\"{title}\" to close")
+        robot.wait(lambda: not self._windows_titled(title), f"\"{title}\" to close")
 
     def take_up(self, window):
         """Turns to a window again, as a click into the task bar does. Under wine nobody does it
@@ -37,7 +37,7 @@ class WindowsClerk(Archivist):
     def _take_up(self, title):
         """Turns to the window with a title; its number when it is the active one."""
         for number in self._windows_titled(title):
-            if self._active_title() == title:
+            if self.robot.station.active_window() == number:
                 return number
             self.robot.station.output("xdotool", "windowactivate", number)
         return None
@@ -45,9 +45,6 @@ class WindowsClerk(Archivist):
     def _windows_titled(self, title):
         return self.robot.station.output("xdotool", "search", "--onlyvisible", "--name",
                                          f"^{re.escape(title)}$").split()
-
-    def _active_title(self):
-        return self.robot.station.output("xdotool", "getactivewindow", "getwindowname").strip()
 
     # -- the scanner
 
