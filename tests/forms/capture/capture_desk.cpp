@@ -173,6 +173,14 @@ void CaptureDesk::have_help_page() const {
     write_file(program.filePath(u"site/help/index.html"_s), "help");
 }
 
+void leave(std::unique_ptr<CaptureDesk>& desk) {
+    const bool as_planned = desk->boxes.verify();
+    const QList<int> ended = desk->ended;
+    desk.reset();
+    QVERIFY(as_planned);
+    QCOMPARE(ended, QList<int>());
+}
+
 QString content_of(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : u"<none>"_s;

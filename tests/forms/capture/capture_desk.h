@@ -97,6 +97,9 @@ private:
     std::function<void(const Error&)> end_program_before_;
 };
 
+/// The end of a test: nothing was shown but what was planned, and nothing ended the program.
+void leave(std::unique_ptr<CaptureDesk>& desk);
+
 QString content_of(const QString& path);
 
 } // namespace folidex::test

@@ -46,11 +46,7 @@ class TestCaptureLayout : public QObject {
 private Q_SLOTS:
     void init() { desk_ = std::make_unique<CaptureDesk>(); }
     void cleanup() {
-        const bool as_planned = desk_->boxes.verify();
-        const QList<int> ended = desk_->ended;
-        desk_.reset();
-        QVERIFY(as_planned);
-        QCOMPARE(ended, QList<int>());
+        leave(desk_);
         QApplication::setFont(QFont());
     }
 

@@ -33,13 +33,7 @@ class TestDocumentEditor : public QObject {
 
 private Q_SLOTS:
     void init() { desk_ = std::make_unique<CaptureDesk>(); }
-    void cleanup() {
-        const bool as_planned = desk_->boxes.verify();
-        const QList<int> ended = desk_->ended;
-        desk_.reset();
-        QVERIFY(as_planned);
-        QCOMPARE(ended, QList<int>());
-    }
+    void cleanup() { leave(desk_); }
 
     void a_new_document_opens_empty_with_the_date_of_today() {
         desk_->station.add_tag(u"Letters"_s);

@@ -36,13 +36,7 @@ class TestFilingADocument : public QObject {
 
 private Q_SLOTS:
     void init() { desk_ = std::make_unique<CaptureDesk>(); }
-    void cleanup() {
-        const bool as_planned = desk_->boxes.verify();
-        const QList<int> ended = desk_->ended;
-        desk_.reset();
-        QVERIFY(as_planned);
-        QCOMPARE(ended, QList<int>());
-    }
+    void cleanup() { leave(desk_); }
 
     void a_new_document_is_filed_by_its_date_and_the_moment() {
         const int tag = desk_->station.add_tag(u"Letters"_s);

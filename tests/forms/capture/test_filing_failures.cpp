@@ -36,13 +36,7 @@ class TestFilingFailures : public QObject {
 
 private Q_SLOTS:
     void init() { desk_ = std::make_unique<CaptureDesk>(); }
-    void cleanup() {
-        const bool as_planned = desk_->boxes.verify();
-        const QList<int> ended = desk_->ended;
-        desk_.reset();
-        QVERIFY(as_planned);
-        QCOMPARE(ended, QList<int>());
-    }
+    void cleanup() { leave(desk_); }
 
     // The rows of a new document are written before its file is copied, and nothing is undone.
     void a_failing_copy_leaves_the_rows_of_a_new_document_and_its_scan() {

@@ -21,13 +21,7 @@ class TestScanningAndViewing : public QObject {
 
 private Q_SLOTS:
     void init() { desk_ = std::make_unique<CaptureDesk>(); }
-    void cleanup() {
-        const bool as_planned = desk_->boxes.verify();
-        const QList<int> ended = desk_->ended;
-        desk_.reset();
-        QVERIFY(as_planned);
-        QCOMPARE(ended, QList<int>());
-    }
+    void cleanup() { leave(desk_); }
 
     void without_a_scanner_the_button_is_disabled() {
         desk_->scanner->sources.clear();
