@@ -153,7 +153,7 @@ private Q_SLOTS:
             QTest::mouseClick(progress_control("cmdCancelScan"), Qt::LeftButton);
         });
         desk_->scan_with({u"gate never"_s});
-        QVERIFY(desk_->twain.noted(u"scan64: command c"_s));
+        QVERIFY(wait_until([this] { return desk_->twain.noted(u"scan64: command c"_s); }));
         QCOMPARE(desk_->scan_label(), u"Scan"_s);
         QTRY_VERIFY(!progress_window());
     }

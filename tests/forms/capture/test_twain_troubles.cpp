@@ -207,7 +207,7 @@ private Q_SLOTS:
             TwainDesk::press_when_shown("cmdCancelScan");
         });
         desk_->scan_with(kBegin + kPage + kHalfAPage + QStringList{u"gate never"_s});
-        QVERIFY(desk_->twain.noted(u"scan64: command c"_s));
+        QVERIFY(wait_until([this] { return desk_->twain.noted(u"scan64: command c"_s); }));
         QTRY_VERIFY(!progress_window());
         unchanged();
     }
