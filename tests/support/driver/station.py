@@ -73,6 +73,9 @@ class Station(Workplace):
             "NO_AT_BRIDGE": "0",
             "GTK_A11Y": "none",
         }
+        # SANE's pretended scanners can bring a program to a stop (tests/support/sane).
+        if "FOLIDEX_CALM_THREADS" in os.environ:
+            environment["LD_PRELOAD"] = os.environ["FOLIDEX_CALM_THREADS"]
         if self.scale != 1:
             environment["QT_SCALE_FACTOR"] = str(self.scale)
         return environment
