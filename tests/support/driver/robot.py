@@ -219,7 +219,7 @@ class Robot(Camera):
         """Replaces a field's text by typing."""
         self.focus(node)
         if text.isascii():
-            self.keys("ctrl+a", "BackSpace")
+            self.wait(lambda: self._cleared(node), f"{node.describe()} to be empty")
             if text:
                 self.station.run("xdotool", "type", "--delay", "8", "--", text)
         else:
@@ -229,6 +229,13 @@ class Robot(Camera):
                   f"{node.describe()} to read \"{text}\"")
         if enter:
             self.keys("Return")
+
+    def _cleared(self, node):
+        """A form that is still coming up may take back what was selected; then it is selected again."""
+        if self.text_of(node) == "":
+            return True
+        self.keys("ctrl+a", "BackSpace")
+        return False
 
     def text_of(self, node):
         if node.role in COMBO:
