@@ -9,14 +9,6 @@ using namespace folidex;
 using namespace folidex::test;
 using namespace Qt::StringLiterals;
 
-namespace {
-
-const QStringList kBegin{u"opened"_s, u"await"_s, u"window"_s};
-const QStringList kPage{u"page gray 100 50 100 100"_s, u"rows 50"_s, u"end"_s};
-const QStringList kHalfAPage{u"page gray 100 50 100 100"_s, u"rows 25"_s};
-
-} // namespace
-
 /// The way down of a driver that takes its time: it is never ended in the midst of it, and nobody
 /// waits for it but the next scan.
 class TwainLettingGoTest : public TwainDeskTest {

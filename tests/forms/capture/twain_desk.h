@@ -10,6 +10,14 @@
 
 namespace folidex::test {
 
+/// Parts of scripts: the source's window is up, a whole grey page of 100 columns, half of one.
+inline const QStringList kBegin{QStringLiteral("opened"), QStringLiteral("await"),
+                                QStringLiteral("window")};
+inline const QStringList kPage{QStringLiteral("page gray 100 50 100 100"),
+                               QStringLiteral("rows 50"), QStringLiteral("end")};
+inline const QStringList kHalfAPage{QStringLiteral("page gray 100 50 100 100"),
+                                    QStringLiteral("rows 25")};
+
 /// A clerk at the capture form whose scanners are TWAIN sources: the 64-bit "Front desk" and
 /// "Archive", the 32-bit "Old copier", behind helpers that play scripts.
 class TwainDesk : public CaptureDesk {
