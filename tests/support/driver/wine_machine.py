@@ -6,6 +6,7 @@ import os
 import pathlib
 import shutil
 import subprocess
+import tempfile
 
 from .stack import PATIENCE
 from .widget import DriverError
@@ -73,13 +74,16 @@ class Machine:
 
     def run(self, program, *arguments, accept=(0,)):
         """Runs a program to its end; its output. DriverError when it ends with another code."""
-        done = subprocess.run(self.command(program, *arguments), env=self.environment,
-                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                              stderr=subprocess.STDOUT, text=True, errors="replace", check=False)
-        if done.returncode not in accept:
-            raise DriverError(f"{program} {' '.join(arguments)} ended with code "
-                              f"{done.returncode}: {done.stdout.strip()}")
-        return done.stdout
+        # Not through a pipe: what the program leaves running may hold that open.
+        with tempfile.TemporaryFile("w+", encoding="utf-8", errors="replace") as said:
+            code = subprocess.call(self.command(program, *arguments), env=self.environment,
+                                   stdin=subprocess.DEVNULL, stdout=said, stderr=said)
+            said.seek(0)
+            output = said.read()
+        if code not in accept:
+            raise DriverError(f"{program} {' '.join(arguments)} ended with code {code}: "
+                              f"{output.strip()}")
+        return output
 
     def set_registry(self, folders, file):
         """Sets named texts and numbers of registry folders; file is where the script is put."""
