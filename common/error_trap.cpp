@@ -3,6 +3,8 @@
 
 #include "common/error_trap.h"
 
+#include "common/leave_process.h"
+
 #include <QTimer>
 #include <cstdio>
 #include <new>
@@ -23,7 +25,7 @@ void end_process(const Error& error) {
                  error.description.toLocal8Bit().constData());
     std::fflush(nullptr);
     // Static destructors would run with event loops still on the stack.
-    std::_Exit(255);
+    drop_process(255);
 }
 
 } // namespace

@@ -4,11 +4,12 @@
 #include "capture/scanner/scanner_thread.h"
 
 #include "capture/scanner/scan_control.h"
+#include "common/error_trap.h"
 
+#include <QThread>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
-#include <thread>
 
 namespace folidex {
 
@@ -29,16 +30,27 @@ struct ScannerThread::Core {
     bool left = false;
 };
 
+// One of the toolkit's own threads: the toolkit keeps watch over the end of all others that use it,
+// and a process that ends in such a moment may wait for that watch for ever.
 ScannerThread::ScannerThread(Job last) : core_(std::make_shared<Core>(std::move(last))) {
-    // Detached: a scanner that hangs for good must not keep the process alive.
-    std::thread([core = core_] { work(core); }).detach();
+    QThread* thread = QThread::create([core = core_] { work(core); });
+    on(thread, &QThread::finished, thread, [thread] { thread->deleteLater(); });
+    thread->start();
+    thread_ = thread;
 }
 
 ScannerThread::~ScannerThread() {
-    std::unique_lock lock(core_->mutex);
-    core_->leaving = true;
-    core_->changed.notify_all();
-    core_->changed.wait_for(lock, kPatienceAtExit, [this] { return core_->left; });
+    {
+        std::unique_lock lock(core_->mutex);
+        core_->leaving = true;
+        core_->changed.notify_all();
+        // A scanner that hangs for good must not keep the process alive.
+        if (!core_->changed.wait_for(lock, kPatienceAtExit, [this] { return core_->left; }))
+            return;
+    }
+    if (thread_)
+        thread_->wait();
+    delete thread_;
 }
 
 void ScannerThread::post(Job job) {

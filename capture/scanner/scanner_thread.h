@@ -3,8 +3,11 @@
 
 #pragma once
 
+#include <QPointer>
 #include <functional>
 #include <memory>
+
+class QThread;
 
 namespace folidex {
 
@@ -12,7 +15,7 @@ class ScanControl;
 
 /// The one thread on which a back end talks to its scanners, job after job. A job that never
 /// comes back costs that thread, not the window: the destructor drops what has not begun, waits
-/// a second for the rest and then lets it go.
+/// a second for the rest and then lets it go. Destroyed by the thread that made it.
 class ScannerThread {
 public:
     /// Must not throw.
@@ -36,6 +39,7 @@ private:
     static void work(const std::shared_ptr<Core>& core);
 
     std::shared_ptr<Core> core_;
+    QPointer<QThread> thread_;
     std::shared_ptr<ScanControl> abandoned_;
 };
 
