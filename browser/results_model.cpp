@@ -46,6 +46,11 @@ void ResultRows::add(const QVariant& date, const QString& description, const QSt
     rows_.push_back(row);
 }
 
+void ResultRows::squeeze() {
+    rows_.shrink_to_fit();
+    texts_.shrink_to_fit();
+}
+
 QString ResultRows::text(int row, int column) const {
     const Row& stored = rows_[static_cast<std::size_t>(row)];
     if (column == ResultsModel::kDate && stored.dated)
@@ -67,6 +72,7 @@ ResultsModel::ResultsModel(QString date_format, QObject* parent)
 void ResultsModel::set_rows(ResultRows rows) {
     beginResetModel();
     rows_ = std::move(rows);
+    rows_.squeeze();
     endResetModel();
 }
 

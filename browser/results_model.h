@@ -20,6 +20,8 @@ class ResultRows {
 public:
     void add(const QVariant& date, const QString& description, const QString& file_name,
              const QString& location, const QString& link);
+    /// Gives back what was taken in advance for rows that did not come.
+    void squeeze();
     int count() const { return static_cast<int>(rows_.size()); }
     /// A value as text, exactly as stored; column 0 is the day number.
     QString text(int row, int column) const;

@@ -5,7 +5,7 @@
 
 #include "common/error.h"
 #include "data/busy_wait.h"
-#include "data/link_set.h"
+#include "data/number_set.h"
 #include "data/recordset_state.h"
 #include "data/results_query.h"
 #include "data/sql_dialect.h"
@@ -102,7 +102,7 @@ void Database::prepare_connection() const {
                                                  compare_columns, nullptr);
     if (code != SQLITE_OK)
         fail(code);
-    offer_link_sets(*this);
+    offer_number_sets(*this);
     // A rollback journal and no memory map, because the file may lie on a network drive; an
     // emptied journal that stays costs the drive less than one made anew for every change.
     for (const char* setting : {"journal_mode=TRUNCATE", "synchronous=FULL", "temp_store=MEMORY",

@@ -4,7 +4,7 @@
 #include "data/results_query.h"
 
 #include "data/database.h"
-#include "data/link_set.h"
+#include "data/number_set.h"
 #include "data/statement.h"
 
 #include <QRegularExpression>
@@ -112,28 +112,41 @@ private:
 
     void read_range(Statement& tagged) {
         if (!collect(tagged, in_range_ * kTaggedRowsALookUp))
-            // The plus keeps SQLite from one search for every tag; a document has few of its own.
-            read_in_order(QStringLiteral(" AND EXISTS (SELECT 1 FROM tagged WHERE scan = link AND "
-                                         "+tag IN (%1))")
-                              .arg(query_.tags),
-                          false);
+            read_range_looking_up_tags();
         else if (is_far_below(in_range_))
             look_up();
         else
-            read_in_order(QStringLiteral(" AND in_link_set(link, ?1)"), true);
+            read_in_order(QStringLiteral("in_number_set(link, ?1)"), {&links_});
     }
 
-    void read_in_order(const QString& filter, bool binds_links) {
-        Statement select(database_, columns() + range("WHERE") + filter +
-                                        QStringLiteral(" ORDER BY date, link"));
-        if (binds_links)
-            bind_links(select);
+    void read_range_looking_up_tags() {
+        // What has been collected needs no looking up.
+        links_.finish();
+        NumberSet tags;
+        for (const QString& tag : query_.tags.split(u','))
+            tags.add(tag.toLongLong());
+        tags.finish();
+        // A document has few tags of its own; a list of tags would let SQLite search for each.
+        read_in_order(QStringLiteral("(in_number_set(link, ?1) OR EXISTS (SELECT 1 FROM tagged "
+                                     "WHERE scan = link AND in_number_set(tag, ?2)))"),
+                      {&links_, &tags});
+    }
+
+    /// The documents of the range that a condition holds for; sets are its parameters.
+    void read_in_order(const QString& condition, std::initializer_list<const NumberSet*> sets) {
+        Statement select(database_, columns() + range("WHERE") + QStringLiteral(" AND ") +
+                                        condition + QStringLiteral(" ORDER BY date, link"));
+        int parameter = 0;
+        for (const NumberSet* set : sets)
+            bind(select, ++parameter, *set);
         while (select.step())
             rows_.append(select.handle());
     }
 
-    void bind_links(const Statement& statement) {
-        sqlite3_bind_pointer(statement.handle(), 1, &links_, LinkSet::kPointerType, nullptr);
+    static void bind(const Statement& statement, int parameter, const NumberSet& set) {
+        // SQLite takes all pointers as such that may be written to; the function only reads.
+        sqlite3_bind_pointer(statement.handle(), parameter, const_cast<NumberSet*>(&set),
+                             NumberSet::kPointerType, nullptr);
     }
 
     void read_all(Statement& tagged) {
@@ -146,7 +159,7 @@ private:
 
     void look_up() {
         Statement select(database_, columns() + QStringLiteral(" WHERE link = ?1") + range("AND"));
-        for (const qint64 link : links_.links()) {
+        for (const qint64 link : links_.numbers()) {
             select.bind(1, link);
             if (select.step())
                 rows_.append(select.handle());
@@ -157,10 +170,10 @@ private:
 
     void scan() {
         // NOT INDEXED keeps the order of links, on which sorting relies.
-        Statement select(database_, columns() +
-                                        QStringLiteral(" NOT INDEXED WHERE in_link_set(link, ?1)") +
-                                        range("AND") + QStringLiteral(" ORDER BY link"));
-        bind_links(select);
+        Statement select(database_,
+                         columns() + QStringLiteral(" NOT INDEXED WHERE in_number_set(link, ?1)") +
+                             range("AND") + QStringLiteral(" ORDER BY link"));
+        bind(select, 1, links_);
         while (select.step())
             rows_.append(select.handle());
         sort();
@@ -197,7 +210,7 @@ private:
     const Database& database_;
     const ResultsQuery& query_;
     RowStore rows_;
-    LinkSet links_;
+    NumberSet links_;
     qint64 in_range_ = 0;
     bool own_transaction_;
 };

@@ -8,6 +8,7 @@
 #include "capture/scanner/page_encoder.h"
 #include "capture/scanner/page_spool.h"
 #include "capture/scanner/pdf_writer.h"
+#include "tests/bench/comparison.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -20,10 +21,7 @@
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <algorithm>
-#include <benchmark/benchmark.h>
 #include <cmath>
-#include <ctime>
-#include <map>
 #include <numbers>
 
 using namespace folidex;
@@ -49,21 +47,11 @@ constexpr Kind kKinds[] = {
     {"colour", PixelType::kRgb, 1.0, 0.9},
 };
 constexpr double kMostMemory = 1.1;
-
-struct Measured {
-    std::vector<double> seconds;
-    qint64 bytes = 0;
-
-    double median() const {
-        std::vector<double> sorted = seconds;
-        std::sort(sorted.begin(), sorted.end());
-        return sorted.at(sorted.size() / 2);
-    }
-};
+constexpr const char* kOurs = "ours";
+constexpr const char* kPeer = "img2pdf";
 
 QString work_folder;
 QProcess* peer = nullptr;
-std::map<QString, Measured> results;
 
 QString picture_path(const Kind& kind, int page) {
     return QStringLiteral("%1/%2-%3.pnm").arg(work_folder, QLatin1String(kind.name)).arg(page);
@@ -180,9 +168,7 @@ void make_pdf(const Kind& kind, int pages, const QString& pdf) {
 }
 
 double run_ours(const Kind& kind, const QString& pdf) {
-    const std::clock_t begin = std::clock();
-    make_pdf(kind, kPages, pdf);
-    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+    return bench::processor_seconds([&] { make_pdf(kind, kPages, pdf); });
 }
 
 double run_peer(const Kind& kind, const QString& pdf) {
@@ -200,18 +186,13 @@ double run_peer(const Kind& kind, const QString& pdf) {
     return seconds;
 }
 
-void measure(benchmark::State& state, const Kind& kind, const QString& who,
-             double (*make)(const Kind&, const QString&)) {
-    const QString pdf = work_folder + u'/' + who + QStringLiteral(".pdf");
-    Measured& measured = results[who + QLatin1String(kind.name)];
-    for (auto _ : state) {
-        const double seconds = make(kind, pdf);
-        state.SetIterationTime(seconds);
-        measured.seconds.push_back(seconds);
-    }
-    measured.bytes = QFileInfo(pdf).size();
-    state.counters["ms_page"] = measured.median() * 1000 / kPages;
-    state.counters["KB_page"] = static_cast<double>(measured.bytes) / 1000 / kPages;
+QString pdf_path(const Kind& kind, const char* who) {
+    return QStringLiteral("%1/%2-%3.pdf")
+        .arg(work_folder, QLatin1String(kind.name), QLatin1String(who));
+}
+
+std::string label(const Kind& kind, const char* who) {
+    return std::string(kind.name) + '/' + who;
 }
 
 /// The peak of a child process that makes a PDF of so many pages, in KB.
@@ -238,55 +219,44 @@ int be_child(const QStringList& arguments) {
     return 0;
 }
 
-bool report(const QString& what, double ratio, double most) {
-    const bool met = ratio <= most;
-    QTextStream(stdout) << QStringLiteral("%1 %2  goal %3  %4\n")
-                               .arg(what, -34)
-                               .arg(ratio, 6, 'f', 3)
-                               .arg(most, 5, 'f', 2)
-                               .arg(met ? QStringLiteral("met") : QStringLiteral("MISSED"));
-    return met;
+/// A page's share, 0 when nothing was made.
+double page_seconds(const bench::Comparison& comparison, const Kind& kind, const char* who) {
+    return comparison.median(label(kind, who)) / kPages;
+}
+double page_bytes(const Kind& kind, const char* who) {
+    return static_cast<double>(QFileInfo(pdf_path(kind, who)).size()) / kPages;
 }
 
-bool report_all() {
+bool report_all(const bench::Comparison& comparison) {
     bool met = true;
+    QTextStream out(stdout);
     for (const Kind& kind : kKinds) {
         const QString name = QLatin1String(kind.name);
-        const Measured& ours = results.at(QStringLiteral("ours") + name);
-        const Measured& theirs = results.at(QStringLiteral("img2pdf") + name);
-        met &= report(name + QStringLiteral(": time by img2pdf's"), ours.median() / theirs.median(),
-                      kind.most_time);
-        met &= report(name + QStringLiteral(": size by img2pdf's"),
-                      static_cast<double>(ours.bytes) / static_cast<double>(theirs.bytes),
-                      kind.most_size);
+        const double time = page_seconds(comparison, kind, kOurs);
+        const double their_time = page_seconds(comparison, kind, kPeer);
+        const double size = page_bytes(kind, kOurs);
+        const double their_size = page_bytes(kind, kPeer);
+        out << QStringLiteral("%1 a page: %2 ms, %3 KB; img2pdf %4 ms, %5 KB\n")
+                   .arg(name)
+                   .arg(time * 1000, 0, 'f', 1)
+                   .arg(size / 1000, 0, 'f', 1)
+                   .arg(their_time * 1000, 0, 'f', 1)
+                   .arg(their_size / 1000, 0, 'f', 1)
+            << Qt::flush;
+        met &= bench::report(name + QStringLiteral(": time by img2pdf's"),
+                             their_time == 0 ? 0 : time / their_time, kind.most_time);
+        met &= bench::report(name + QStringLiteral(": size by img2pdf's"),
+                             their_size == 0 ? 0 : size / their_size, kind.most_size);
     }
     for (const Kind& kind : kKinds) {
         const double one = peak_memory(kind, 1);
         const double many = peak_memory(kind, 500);
-        QTextStream(stdout) << kind.name << ": peak " << one / 1000 << " MB for 1 page, "
-                            << many / 1000 << " MB for 500\n";
-        met &= report(QLatin1String(kind.name) + QStringLiteral(": memory, 500 pages by 1"),
-                      many / one, kMostMemory);
+        out << kind.name << ": peak " << one / 1000 << " MB for 1 page, " << many / 1000
+            << " MB for 500" << Qt::endl;
+        met &= bench::report(QLatin1String(kind.name) + QStringLiteral(": memory, 500 pages by 1"),
+                             many / one, kMostMemory);
     }
     return met;
-}
-
-void register_benchmarks() {
-    for (const Kind& kind : kKinds) {
-        const auto add = [&kind](const char* who, double (*make)(const Kind&, const QString&)) {
-            benchmark::RegisterBenchmark((std::string(kind.name) + '/' + who).c_str(),
-                                         [&kind, who, make](benchmark::State& state) {
-                                             measure(state, kind, QLatin1String(who), make);
-                                         })
-                ->UseManualTime()
-                ->Iterations(1)
-                ->Repetitions(kRepetitions)
-                ->ReportAggregatesOnly(true)
-                ->Unit(benchmark::kMillisecond);
-        };
-        add("ours", run_ours);
-        add("img2pdf", run_peer);
-    }
 }
 
 } // namespace
@@ -299,12 +269,7 @@ int main(int argc, char** argv) {
         return be_child(QCoreApplication::arguments());
     }
     QGuiApplication application(argc, argv);
-    // Taken in turns, so that what else the machine does falls on both.
-    std::vector<char*> arguments(argv, argv + argc);
-    std::string in_turns = "--benchmark_enable_random_interleaving=true";
-    arguments.push_back(in_turns.data());
-    int count = static_cast<int>(arguments.size());
-    benchmark::Initialize(&count, arguments.data());
+    bench::Comparison comparison(argc, argv);
     QTemporaryDir folder;
     work_folder = folder.path();
     make_pictures();
@@ -312,9 +277,14 @@ int main(int argc, char** argv) {
     python.start(QStringLiteral("/usr/bin/python3"),
                  {QStringLiteral(FOLIDEX_BENCH_FOLDER "/img2pdf_peer.py")});
     peer = &python;
-    register_benchmarks();
-    benchmark::RunSpecifiedBenchmarks();
+    for (const Kind& kind : kKinds) {
+        comparison.add(label(kind, kOurs), kRepetitions,
+                       [&kind] { return run_ours(kind, pdf_path(kind, kOurs)); });
+        comparison.add(label(kind, kPeer), kRepetitions,
+                       [&kind] { return run_peer(kind, pdf_path(kind, kPeer)); });
+    }
+    comparison.run();
     python.closeWriteChannel();
     python.waitForFinished();
-    return report_all() ? 0 : 1;
+    return report_all(comparison) ? 0 : 1;
 }

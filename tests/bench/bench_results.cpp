@@ -1,30 +1,25 @@
 // SPDX-FileCopyrightText: The Folidex authors
 // SPDX-License-Identifier: Apache-2.0
 
-// The results of a filter, and filing. The query runs three ways in the same run, taken in turns:
-// as the program asks it, as SQLite runs the statement word for word, and the floor: the same rows
-// read from a table in memory that holds just them. Times are processor time, so that a busy
-// machine does not decide. Ends with the ratios, the goals and an exit code of 1 when one is
-// missed. FOLIDEX_BENCH_DOCUMENTS sets another size than 100,000.
+// The results of a filter. The query runs three ways in the same run, taken in turns: as the
+// program asks it, as SQLite runs the statement word for word, and the floor: the same rows read
+// from a table in memory that holds just them. Times are processor time, so that a busy machine
+// does not decide. Ends with the ratios, the goals and an exit code of 1 when one is missed.
+// FOLIDEX_BENCH_DOCUMENTS sets another size than 100,000.
 
 #include "app/process_values.h"
 #include "common/error.h"
 #include "data/database.h"
-#include "data/link_numbers.h"
 #include "data/statement.h"
+#include "tests/bench/comparison.h"
+#include "tests/bench/sample_data.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QProcess>
-#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTextStream>
-#include <algorithm>
 #include <benchmark/benchmark.h>
-#include <cmath>
-#include <ctime>
 #include <map>
+#include <memory>
 #include <sqlite3.h>
 
 using namespace folidex;
@@ -32,12 +27,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kTags = 200;
 constexpr int kRepetitions = 9;
-constexpr int kFirstDay = 36500;
-constexpr int kDays = 3650;
-constexpr int kStations = 8;
-constexpr int kDocumentsAStation = 40;
 
 struct Filter {
     const char* name;
@@ -48,18 +38,16 @@ struct Filter {
     double most_of_literal; ///< ours by the literal's
 };
 constexpr Filter kFilters[] = {
-    {"rare tag", 190, 1, false, 0, 1.1},           {"1 tag", 1, 1, false, 0, 1.1},
-    {"1 tag, 6 months", 1, 1, true, 15, 0.5},      {"10 tags", 20, 10, false, 5, 1.1},
-    {"10 tags, 6 months", 20, 10, true, 15, 0.5},  {"200 tags", 0, 200, false, 5, 1.1},
-    {"200 tags, 6 months", 0, 200, true, 15, 0.5},
+    {"rare tag", 190, 1, false, 0, 1.1},
+    {"1 tag", 1, 1, false, 0, 1.1},
+    {"1 tag, 6 months", 1, 1, true, 15, 0.5},
+    {"10 tags", 20, 10, false, 5, 1.1},
+    {"10 tags, 6 months", 20, 10, true, 15, 0.5},
+    {"200 tags", 0, bench::kTags, false, 5, 1.1},
+    {"200 tags, 6 months", 0, bench::kTags, true, 15, 0.5},
 };
-const char* const kWays[] = {"ours", "literal", "floor"};
-constexpr double kLongestWaitSeconds = 1;
 
-std::map<std::string, std::vector<double>> samples;
 std::map<std::string, std::size_t> row_counts;
-QString file_name;
-int document_count = 100000;
 
 QString statement_of(const Filter& filter) {
     QStringList tags;
@@ -71,35 +59,6 @@ QString statement_of(const Filter& filter) {
            "scans.link FROM scans INNER JOIN tagged ON scans.link = tagged.scan WHERE "
            "tagged.tag In ("_s +
            tags.join(u',') + u")"_s + range + u" ORDER BY scans.date, scans.link"_s;
-}
-
-// Common tags first: tag 0 is on a good part of all documents, tag 199 on a few hundred.
-int some_tag(QRandomGenerator& random) {
-    return static_cast<int>(std::pow(random.generateDouble(), 2.5) * kTags);
-}
-
-void fill() {
-    QRandomGenerator random(2009);
-    Statement(database(), u"BEGIN"_s).run();
-    Statement document(database(), u"INSERT INTO scans VALUES (?, ?, ?, ?, ?)"_s);
-    Statement tagged(database(), u"INSERT INTO tagged (scan, tag) VALUES (?, ?)"_s);
-    for (int link = 1000; link < 1000 + document_count; ++link) {
-        const QVariant fields[] = {link, u"Invoice %1 of the year's deliveries"_s.arg(link),
-                                   static_cast<double>(kFirstDay + random.bounded(kDays)),
-                                   u"101209120000_%1.pdf"_s.arg(link), u"1009"_s};
-        for (int i = 0; i < 5; ++i)
-            document.bind(i + 1, fields[i]);
-        document.run();
-        document.reset();
-        for (int pairs = 1 + static_cast<int>(random.bounded(5)); pairs > 0; --pairs) {
-            tagged.bind(1, static_cast<qint64>(link));
-            tagged.bind(2, static_cast<qint64>(some_tag(random)));
-            tagged.run();
-            tagged.reset();
-        }
-    }
-    Statement(database(), u"UPDATE comp SET NewLink = %1"_s.arg(1000 + document_count)).run();
-    Statement(database(), u"COMMIT"_s).run();
 }
 
 /// The rows of one filter in a table in memory, in their order.
@@ -152,52 +111,26 @@ std::size_t rows_of(const QString& sql) {
     return static_cast<std::size_t>(set.record_count());
 }
 
-double processor_seconds() {
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-template <class Action> void add(const std::string& name, Action action) {
-    benchmark::RegisterBenchmark(name.c_str(),
-                                 [name, action](benchmark::State& state) {
-                                     for (auto unused : state) {
-                                         benchmark::DoNotOptimize(unused);
-                                         const double start = processor_seconds();
-                                         row_counts[name] = action();
-                                         const double seconds = processor_seconds() - start;
-                                         state.SetIterationTime(seconds);
-                                         samples[name].push_back(seconds);
-                                     }
-                                 })
-        ->UseManualTime()
-        ->Iterations(1)
-        ->Repetitions(kRepetitions)
-        ->ReportAggregatesOnly(true)
-        ->Unit(benchmark::kMillisecond);
-}
-
 std::string label(const Filter& filter, const char* way) {
     return std::string(filter.name) + '/' + way;
 }
 
-void register_queries() {
+void add(bench::Comparison& comparison, const std::string& name,
+         std::function<std::size_t()> count_rows) {
+    comparison.add(name, kRepetitions, [name, count_rows = std::move(count_rows)] {
+        return bench::processor_seconds([&] { row_counts[name] = count_rows(); });
+    });
+}
+
+void add_queries(bench::Comparison& comparison) {
     for (const Filter& filter : kFilters) {
         const QString sql = statement_of(filter);
         const auto floor = std::make_shared<Floor>(filter);
-        add(label(filter, kWays[0]), [sql] { return rows_of(sql); });
+        add(comparison, label(filter, "ours"), [sql] { return rows_of(sql); });
         // A blank behind it, and it is no longer the statement that is recognised.
-        add(label(filter, kWays[1]), [sql] { return rows_of(sql + u' '); });
-        add(label(filter, kWays[2]), [floor] { return floor->read(); });
+        add(comparison, label(filter, "literal"), [sql] { return rows_of(sql + u' '); });
+        add(comparison, label(filter, "floor"), [floor] { return floor->read(); });
     }
-}
-
-double median(const std::string& name) {
-    std::vector<double> sorted = samples[name];
-    if (sorted.empty())
-        return 0;
-    std::sort(sorted.begin(), sorted.end());
-    return sorted[sorted.size() / 2];
 }
 
 bool meets(QTextStream& out, double ratio, double most) {
@@ -208,13 +141,13 @@ bool meets(QTextStream& out, double ratio, double most) {
     return good;
 }
 
-bool report_queries(QTextStream& out) {
+bool report_queries(QTextStream& out, const bench::Comparison& comparison) {
     bool good = true;
     out << "\nfilter                  rows   ours ms   by floor                    by literal\n";
     for (const Filter& filter : kFilters) {
-        const double ours = median(label(filter, "ours"));
-        const double floor = median(label(filter, "floor"));
-        const double literal = median(label(filter, "literal"));
+        const double ours = comparison.median(label(filter, "ours"));
+        const double floor = comparison.median(label(filter, "floor"));
+        const double literal = comparison.median(label(filter, "literal"));
         if (floor == 0 || literal == 0)
             continue;
         const std::size_t rows = row_counts[label(filter, "ours")];
@@ -229,96 +162,18 @@ bool report_queries(QTextStream& out) {
     return good;
 }
 
-// The program's statements for a document with three tags.
-void file_document() {
-    const int link = getNewLink(QString());
-    database().execute(u"INSERT INTO scans ([link], [description], [date], [fname], [location]) "
-                       "VALUES (%1, 'Bill', 40098, '%1.pdf', '1009')"_s.arg(link));
-    for (int tag = 1; tag <= 3; ++tag)
-        database().execute(u"INSERT INTO tagged (scan, tag) VALUES (%1, %2)"_s.arg(link).arg(tag));
-}
-
-// A station of its own: prints its longest document in seconds.
-int be_station(const QString& file, int documents) {
-    QTextStream out(stdout);
-    set_database(Database::open(file));
-    out << "ready" << Qt::endl;
-    QTextStream(stdin).readLine();
-    double longest = 0;
-    for (; documents > 0; --documents) {
-        QElapsedTimer timer;
-        timer.start();
-        file_document();
-        longest = std::max(longest, static_cast<double>(timer.nsecsElapsed()) * 1e-9);
-    }
-    out << longest << Qt::endl;
-    set_database(nullptr);
-    return 0;
-}
-
-bool report_filing(QTextStream& out, const QString& program) {
-    QElapsedTimer timer;
-    timer.start();
-    for (int i = 0; i < 100; ++i)
-        file_document();
-    const double alone = static_cast<double>(timer.nsecsElapsed()) * 1e-9 / 100;
-    std::vector<std::unique_ptr<QProcess>> stations;
-    for (int i = 0; i < kStations; ++i) {
-        stations.push_back(std::make_unique<QProcess>());
-        stations.back()->start(program, {u"--station"_s, file_name});
-        stations.back()->waitForReadyRead();
-    }
-    const int before = getNewLink(QString());
-    timer.start();
-    for (const auto& station : stations) {
-        station->write("go\n");
-        station->waitForBytesWritten();
-    }
-    double longest = 0;
-    bool good = true;
-    for (const auto& station : stations) {
-        good = station->waitForFinished(-1) && station->exitCode() == 0 && good;
-        const QList<QByteArray> lines = station->readAllStandardOutput().trimmed().split('\n');
-        longest = std::max(longest, lines.last().toDouble());
-    }
-    const double all = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
-    const int filed = kStations * kDocumentsAStation;
-    good = getNewLink(QString()) == before + filed + 1 && good;
-    out << "\nfiling one document (3 tags), one station: " << alone * 1000 << " ms\n"
-        << kStations << " stations at once: " << filed / all << " documents/s, longest "
-        << longest * 1000 << " ms (goal " << kLongestWaitSeconds * 1000
-        << (longest > kLongestWaitSeconds ? ", MISSED" : "") << "), numbers "
-        << (good ? "complete" : "NOT COMPLETE") << '\n';
-    return good && longest <= kLongestWaitSeconds;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
-    if (argc > 2 && QByteArrayView(argv[1]) == QByteArrayView("--station"))
-        return be_station(QString::fromLocal8Bit(argv[2]), kDocumentsAStation);
-    std::vector<char*> arguments(argv, argv + argc);
-    std::string in_turns = "--benchmark_enable_random_interleaving=true";
-    arguments.push_back(in_turns.data());
-    int count = static_cast<int>(arguments.size());
-    benchmark::Initialize(&count, arguments.data());
-    if (qEnvironmentVariableIntValue("FOLIDEX_BENCH_DOCUMENTS") > 0)
-        document_count = qEnvironmentVariableIntValue("FOLIDEX_BENCH_DOCUMENTS");
-
+    bench::Comparison comparison(argc, argv);
     QTextStream out(stdout);
     try {
         const QTemporaryDir folder;
-        file_name = folder.filePath(u"db.mdb"_s);
-        if (!QFile::copy(QStringLiteral(FOLIDEX_TEMPLATE), file_name))
-            throw Error{kFileNotFound, QStringLiteral(FOLIDEX_TEMPLATE)};
-        set_database(Database::open(file_name));
-        fill();
-        register_queries();
-        benchmark::RunSpecifiedBenchmarks();
-        bool good = report_queries(out);
-        good = report_filing(out, QString::fromLocal8Bit(argv[0])) && good;
-        benchmark::ClearRegisteredBenchmarks();
+        bench::open_sample(folder.filePath(u"db.mdb"_s), bench::sample_size());
+        add_queries(comparison);
+        comparison.run();
+        const bool good = report_queries(out, comparison);
         set_database(nullptr);
         return good ? 0 : 1;
     } catch (const Error& error) {
