@@ -3,8 +3,8 @@
 
 // A library that cannot be put away while one of its threads holds what it needs for that.
 
+#include <future>
 #include <mutex>
-#include <semaphore>
 #include <thread>
 
 namespace {
@@ -18,12 +18,12 @@ struct PutAway {
 } // namespace
 
 extern "C" __declspec(dllexport) void hold_the_lock() {
-    static std::binary_semaphore held{0};
-    static std::binary_semaphore never{0};
+    static std::promise<void> held;
+    static std::promise<void> never;
     std::thread([] {
         const std::lock_guard guard(lock);
-        held.release();
-        never.acquire();
+        held.set_value();
+        never.get_future().wait();
     }).detach();
-    held.acquire();
+    held.get_future().wait();
 }
