@@ -60,6 +60,11 @@ class Machine:
                 "DejaVu Sans")}, script)
         script.unlink()
         self.end()
+        # Wine links the user's folders to the home, which machines share.
+        for folder in self.drive.glob("users/*/*"):
+            if folder.is_symlink():
+                folder.unlink()
+                folder.mkdir()
 
     def copy_to(self, prefix):
         """Gives another folder the same machine; what is never changed they share."""
